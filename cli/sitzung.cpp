@@ -1,0 +1,22 @@
+#include "cli/sitzung.hpp"
+
+namespace flurix::cli {
+
+Sitzung::Sitzung(const Umgebung& umgebung, std::ostream& fehler)
+    : zustand(umgebung.installation ? Installation{*umgebung.installation}
+                                    : Installation::Finden()),
+      ui(fehler, nullptr, umgebung.fortschritt) {}
+
+bool Sitzung::Starten(std::string_view kommandozeile) {
+    return Programmstart(zustand, kommandozeile, format, ui).status() != Ergebnis::Status::Beenden;
+}
+
+int Sitzung::Beenden(int code) {
+    zustand.BeendenFragen = false;
+    flurix::Beenden(zustand, format, ui, {});
+    return code;
+}
+
+int Exitcode(const Ergebnis& ergebnis) { return ergebnis ? 0 : 1; }
+
+} // namespace flurix::cli

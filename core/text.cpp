@@ -1,0 +1,61 @@
+#include "core/text.hpp"
+
+#include <charconv>
+
+namespace flurix {
+
+std::string Kleinbuchstaben(std::string_view text) {
+    std::string ergebnis(text);
+    for (std::size_t i = 0; i < ergebnis.size(); ++i) {
+        char& c = ergebnis[i];
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        } else if (c == '\xC3' && i + 1 < ergebnis.size()) {
+            char& folge = ergebnis[i + 1];
+            // Ä Ö Ü are C3 84, C3 96, C3 9C; their small letters are 0x20 further.
+            if (folge == '\x84' || folge == '\x96' || folge == '\x9C')
+                folge = static_cast<char>(folge + 0x20);
+            ++i;
+        }
+    }
+    return ergebnis;
+}
+
+std::vector<std::string_view> Teilen(std::string_view text, char trenner) {
+    std::vector<std::string_view> stücke;
+    std::size_t anfang = 0;
+    for (;;) {
+        const auto pos = text.find(trenner, anfang);
+        stücke.push_back(text.substr(anfang, pos - anfang));
+        if (pos == std::string_view::npos)
+            return stücke;
+        anfang = pos + 1;
+    }
+}
+
+double ZahlLesen(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    double wert = 0;
+    const auto [ende, fehler] = std::from_chars(text.data(), text.data() + text.size(), wert);
+    (void)ende;
+    return fehler == std::errc() ? wert : 0.0;
+}
+
+std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu) {
+    if (alt.empty())
+        return std::string(text);
+    std::string ergebnis;
+    ergebnis.reserve(text.size());
+    std::size_t anfang = 0;
+    for (auto pos = text.find(alt); pos != std::string_view::npos; pos = text.find(alt, anfang)) {
+        ergebnis.append(text.substr(anfang, pos - anfang)).append(neu);
+        anfang = pos + alt.size();
+    }
+    ergebnis.append(text.substr(anfang));
+    return ergebnis;
+}
+
+} // namespace flurix

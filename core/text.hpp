@@ -1,0 +1,24 @@
+#pragma once
+// Small text helpers of the core; all text is UTF-8.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flurix {
+
+/// Lower case of ASCII letters and of the German capitals Ä, Ö, Ü (UTF-8); other bytes unchanged.
+std::string Kleinbuchstaben(std::string_view text);
+
+/// The pieces of `text` between the separators; n separators give n + 1 pieces (empty ones too).
+std::vector<std::string_view> Teilen(std::string_view text, char trenner);
+
+/// The number at the start of `text` the way the program reads numbers typed by people: leading
+/// blanks skipped, "." as decimal point, an optional sign and exponent; 0 when there is no number.
+/// Independent of the process's locale.
+double ZahlLesen(std::string_view text);
+
+/// Every occurrence of `alt` replaced by `neu`, left to right, without rescanning what was inserted.
+std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu);
+
+} // namespace flurix
