@@ -18,17 +18,18 @@ enum class Knöpfe { JaNein, JaNeinAbbrechen, OkAbbrechen };
 enum class Antwort { Ok = 1, Abbrechen = 2, Ja = 6, Nein = 7 };
 
 /// One question: text and title as shown, the buttons, the button that is preselected, and the answer
-/// an unattended run takes: the one that lets the run go on.
+/// an unattended run takes: the one that lets the run go on. It owns its texts, so a question may
+/// be put together from temporaries.
 struct Fragestellung {
-    std::string_view text;
-    std::string_view titel = "Flurix";
+    std::string text;
+    std::string titel = "Flurix";
     Knöpfe knöpfe = Knöpfe::JaNein;
     Antwort vorgabe = Antwort::Ja;
     Antwort unbeaufsichtigt = Antwort::Ja;
 };
 
 /// Title of a message box unless a caller says otherwise.
-inline constexpr std::string_view ProduktTitel = "Flurix";
+inline constexpr char ProduktTitel[] = "Flurix";
 
 class Oberfläche {
 public:

@@ -13,6 +13,6 @@ echo "== flurix erkennen: Art und Leser jeder Eingabedatei"
 echo
 for datei in musterkreis_format32.wldge musterstadt_bestandsdatenauszug.xml; do
     echo "== flurix import $datei"
-    "$flurix" import "$arbeit/$datei" && code=0 || code=$?
+    "$flurix" import "$arbeit/$datei" 2>&1 && code=0 || code=$?
     echo "(Ende mit $code)"
 done
