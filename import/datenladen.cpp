@@ -212,46 +212,35 @@ Erkennung DateiErkennen(const std::filesystem::path& datei) {
         e.leser = "keiner";
         return e;
     }
-    switch (e.art) {
-    case Eingabeart::Wldge:
+    if (e.art == Eingabeart::Wldge) {
         e.format = WldgeFormatLesen(DateiKopfLesen(datei, WldgeKopfzeilen));
         e.beschreibung = "WLDGE-Datei, Abgabeformat \"" + e.format + "\"";
         e.unterstützt = e.format == "32" || e.format == "35";
         e.leser = e.format == "32"   ? "WLDGE-Leser (komplett oder teilweise)"
                   : e.format == "35" ? "WLDGE-Leser (teilweise)"
                                      : "keiner: Abgabeformat nicht unterstützt";
-        break;
-    case Eingabeart::Xml:
-        if (IstNasKopf(DateiKopfLesen(datei, NasKopfzeilen))) {
-            e.art = Eingabeart::NasXml;
-            e.beschreibung = "NAS-Datei (ALKIS)";
-            e.leser = "NAS-Arbeitsbereich";
-        } else {
-            e.art = Eingabeart::WebXml;
-            e.beschreibung = "Web-XML-Datei (ALB-Auszug)";
-            e.leser = "Web-XML-Leser";
-        }
-        e.unterstützt = true;
-        break;
-    case Eingabeart::Tabelle:
-        e.beschreibung = "Gespeicherte Flurix-Tabelle";
-        e.leser = "Einlesen gespeicherter Tabellen";
-        e.unterstützt = true;
-        break;
-    case Eingabeart::NasDatenbank:
-        e.beschreibung = "NAS-Datenbank";
-        e.leser = "NAS-Arbeitsbereich";
-        e.unterstützt = true;
-        break;
-    case Eingabeart::FkzListe:
-        e.beschreibung = "Liste von Flurstückskennzeichen";
-        e.leser = "Flurstückssuche (Gazetteer)";
-        e.unterstützt = true;
-        break;
-    case Eingabeart::WebXml:
-    case Eingabeart::NasXml:
-        break;
+        return e;
     }
+    if (e.art == Eingabeart::Xml)
+        e.art = IstNasKopf(DateiKopfLesen(datei, NasKopfzeilen)) ? Eingabeart::NasXml
+                                                                 : Eingabeart::WebXml;
+    struct Art {
+        Eingabeart art;
+        std::string_view beschreibung, leser;
+    };
+    static constexpr Art arten[] = {
+        {Eingabeart::NasXml, "NAS-Datei (ALKIS)", "NAS-Arbeitsbereich"},
+        {Eingabeart::WebXml, "Web-XML-Datei (ALB-Auszug)", "Web-XML-Leser"},
+        {Eingabeart::Tabelle, "Gespeicherte Flurix-Tabelle", "Einlesen gespeicherter Tabellen"},
+        {Eingabeart::NasDatenbank, "NAS-Datenbank", "NAS-Arbeitsbereich"},
+        {Eingabeart::FkzListe, "Liste von Flurstückskennzeichen", "Flurstückssuche (Gazetteer)"},
+    };
+    for (const auto& a : arten)
+        if (a.art == e.art) {
+            e.beschreibung = a.beschreibung;
+            e.leser = a.leser;
+            e.unterstützt = true;
+        }
     return e;
 }
 
