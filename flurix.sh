@@ -12,7 +12,7 @@ PAKETE=(
     build-essential cmake ninja-build ccache pkg-config
     libsqlite3-dev libzip-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
-    qt6-base-dev libgl-dev xvfb xauth
+    qt6-base-dev qt6-translations-l10n libgl-dev xvfb xauth
     locales zip unzip xz-utils
 )
 

@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     // QApplication sets the C library's locale from the environment (setlocale(LC_ALL, "")), so the
     // number format found below is the user's; it also takes its own options out of argv.
     QApplication app(argc, argv);
+    flurix::gui::QtTexteDeutsch(app);
 
     flurix::Programmzustand zustand(flurix::Installation::Finden());
     flurix::ProzessZahlenformat format;

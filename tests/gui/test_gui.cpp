@@ -1,0 +1,598 @@
+// The desktop program without a screen (QT_QPA_PLATFORM=offscreen): the main window's caption and
+// status bar, the Qt UI port, the open dialog's filters, the import options dialog, and the start
+// of what the command line asked for.
+
+#include "core/oberflaeche_skript.hpp"
+#include "core/programm.hpp"
+#include "gemeinsam/testumgebung.hpp"
+#include "gui/dateifilter.hpp"
+#include "gui/form_datenbank.hpp"
+#include "gui/form_datenbank_darstellung.hpp"
+#include "gui/form_optionen_system.hpp"
+#include "gui/qt_oberflaeche.hpp"
+#include "gui/qt_text.hpp"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace flurix::gui {
+namespace {
+
+using test::TempOrdner;
+
+// One QApplication for the whole test program, made before the first test and deleted after the
+// last one: deleted by a static destructor, it would outlive Qt's own statics and crash on exit.
+class QtUmgebung : public ::testing::Environment {
+public:
+    void SetUp() override {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        m_app = std::make_unique<QApplication>(m_argc, m_argv.data());
+    }
+    void TearDown() override { m_app.reset(); }
+
+private:
+    int m_argc = 1;
+    char m_name[9] = "test_gui";
+    std::array<char*, 2> m_argv{m_name, nullptr};
+    std::unique_ptr<QApplication> m_app;
+};
+
+[[maybe_unused]] const ::testing::Environment* const qtUmgebung =
+    ::testing::AddGlobalTestEnvironment(new QtUmgebung);
+
+using GuiTest = ::testing::Test;
+
+/// What a message box showed before it was answered.
+struct Box {
+    QString titel;
+    QString text;
+    QMessageBox::Icon symbol = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons knöpfe;
+    QMessageBox::StandardButton vorgabe = QMessageBox::NoButton;
+    QStringList beschriftungen; ///< of its buttons Yes, No, Cancel, Ok, in that order
+};
+
+/// Answers every message box that opens while it lives: notes what it shows and clicks the button
+/// `wahl` names (the default button when `wahl` is NoButton).
+class Beantworter {
+public:
+    explicit Beantworter(QMessageBox::StandardButton wahl = QMessageBox::NoButton) : m_wahl(wahl) {
+        m_zeitgeber.setInterval(5);
+        QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] { Antworten(); });
+        m_zeitgeber.start();
+    }
+    std::vector<Box> boxen;
+
+private:
+    void Antworten() {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible())
+            return;
+        QAbstractButton* vorgabe = box->defaultButton();
+        QStringList beschriftungen;
+        for (const auto knopf :
+             {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel, QMessageBox::Ok})
+            if (QAbstractButton* k = box->button(knopf))
+                beschriftungen << k->text();
+        boxen.push_back({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
+                         vorgabe ? box->standardButton(vorgabe) : QMessageBox::NoButton,
+                         beschriftungen});
+        QAbstractButton* knopf = m_wahl == QMessageBox::NoButton ? vorgabe : box->button(m_wahl);
+        if (!knopf) {
+            ADD_FAILURE() << "the box has no such button: " << Utf8(box->text());
+            box->reject();
+            return;
+        }
+        knopf->click();
+    }
+
+    QMessageBox::StandardButton m_wahl;
+    QTimer m_zeitgeber;
+};
+
+/// Runs the event loop until `fertig` holds or two seconds have passed.
+void Warten(const std::function<bool()>& fertig) {
+    for (int i = 0; i < 400 && !fertig(); ++i) {
+        QEventLoop schleife;
+        QTimer::singleShot(5, &schleife, &QEventLoop::quit);
+        schleife.exec();
+    }
+}
+
+/// A main window over an installation in a scratch folder.
+struct Hauptfenster {
+    TempOrdner ordner;
+    Programmzustand zustand{Installation{ordner.pfad()}};
+    ProzessZahlenformat format;
+    QtOberfläche ui;
+    std::optional<int> exitcode;
+    FormDatenbank fenster{zustand, format, ui};
+
+    Hauptfenster() {
+        zustand.arbeitsverzeichnis = ordner / "arbeit";
+        std::filesystem::create_directories(zustand.arbeitsverzeichnis);
+        fenster.ProgrammEndeSetzen([this](int code) { exitcode = code; });
+    }
+};
+
+QString Panel(const FormDatenbank& fenster, int nummer) {
+    const auto* label = fenster.statusBar()->findChild<QLabel*>(QString::number(nummer));
+    return label ? label->text() : QStringLiteral("<fehlt>");
+}
+
+TEST_F(GuiTest, FensterTitelNenntVersionUndRevision) {
+    Hauptfenster h;
+    EXPECT_EQ(h.fenster.windowTitle(), QStringLiteral("Flurix V%1.%2(%3)")
+                                           .arg(FLURIX_VERSION_MAJOR)
+                                           .arg(FLURIX_VERSION_MINOR)
+                                           .arg(FLURIX_VERSION_REVISION));
+}
+
+TEST_F(GuiTest, StatusleisteHatSechsPanelsUndDasErsteZeigtStatus) {
+    Hauptfenster h;
+    for (int n = 1; n <= 6; ++n) {
+        const auto gefunden = h.fenster.statusBar()->findChildren<QLabel*>(QString::number(n));
+        ASSERT_EQ(gefunden.size(), 1) << "panel " << n;
+        EXPECT_EQ(gefunden.front(), h.fenster.StatusPanel(n));
+        EXPECT_EQ(gefunden.front()->text(), n == 1 ? QStringLiteral("Status  ") : QString())
+            << "panel " << n;
+    }
+    EXPECT_EQ(h.fenster.StatusPanel(0), nullptr);
+    EXPECT_EQ(h.fenster.StatusPanel(7), nullptr);
+}
+
+TEST_F(GuiTest, StatusSchreibtNurDasGenanntePanelAlsUtf8) {
+    Hauptfenster h;
+    h.ui.Status(3, "12 Mbyte UNIX-Prüfung  ");
+    h.ui.Status(6, "Flurstück 5");
+    h.ui.Status(0, "daneben");
+    h.ui.Status(7, "daneben");
+    EXPECT_EQ(Panel(h.fenster, 1), QStringLiteral("Status  "));
+    EXPECT_EQ(Panel(h.fenster, 2), QString());
+    EXPECT_EQ(Panel(h.fenster, 3), QStringLiteral("12 Mbyte UNIX-Prüfung  "));
+    EXPECT_EQ(Panel(h.fenster, 4), QString());
+    EXPECT_EQ(Panel(h.fenster, 5), QString());
+    EXPECT_EQ(Panel(h.fenster, 6), QStringLiteral("Flurstück 5"));
+}
+
+TEST_F(GuiTest, FortschrittZeigtBalkenUndVerbirgtIhnAmEnde) {
+    Hauptfenster h;
+    h.fenster.show();
+    auto* balken = h.fenster.findChild<QProgressBar*>(QStringLiteral("Fortschritt"));
+    ASSERT_NE(balken, nullptr);
+    EXPECT_FALSE(balken->isVisible());
+    // Counts beyond the range of int, as for a file of several gigabytes.
+    h.ui.Fortschritt(3'000'000'000LL, 12'000'000'000LL);
+    EXPECT_TRUE(balken->isVisible());
+    EXPECT_EQ(balken->value() * 4, balken->maximum());
+    h.ui.Fortschritt(12'000'000'000LL, 12'000'000'000LL);
+    EXPECT_FALSE(balken->isVisible());
+    h.ui.Fortschritt(1, 2);
+    h.ui.Fortschritt(0, 0);
+    EXPECT_FALSE(balken->isVisible());
+}
+
+TEST_F(GuiTest, FrageZeigtKnöpfeUndVorgabeUndGibtDieVorgabeZurück) {
+    struct Fall {
+        Knöpfe knöpfe;
+        Antwort vorgabe;
+        QMessageBox::StandardButtons erwartet;
+        QStringList beschriftungen;
+    };
+    const QMessageBox::StandardButtons jaNein = QMessageBox::Yes | QMessageBox::No;
+    const QStringList jaNeinText = {QStringLiteral("Ja"), QStringLiteral("Nein")};
+    const QStringList alleText = jaNeinText + QStringList{QStringLiteral("Abbrechen")};
+    const QStringList okText = {QStringLiteral("Abbrechen"), QStringLiteral("OK")};
+    const std::vector<Fall> fälle = {
+        {Knöpfe::JaNein, Antwort::Ja, jaNein, jaNeinText},
+        {Knöpfe::JaNein, Antwort::Nein, jaNein, jaNeinText},
+        {Knöpfe::JaNeinAbbrechen, Antwort::Abbrechen, jaNein | QMessageBox::Cancel, alleText},
+        {Knöpfe::JaNeinAbbrechen, Antwort::Nein, jaNein | QMessageBox::Cancel, alleText},
+        {Knöpfe::OkAbbrechen, Antwort::Ok, QMessageBox::Ok | QMessageBox::Cancel, okText},
+        {Knöpfe::OkAbbrechen, Antwort::Abbrechen, QMessageBox::Ok | QMessageBox::Cancel, okText},
+    };
+    QtOberfläche ui;
+    for (const Fall& fall : fälle) {
+        Beantworter beantworter;
+        const Fragestellung frage{"Soll die vorhandene Datenbank überschrieben werden?   ",
+                                  "Flurix", fall.knöpfe, fall.vorgabe, Antwort::Ja};
+        EXPECT_EQ(ui.Frage(frage), fall.vorgabe);
+        ASSERT_EQ(beantworter.boxen.size(), 1U);
+        const Box& box = beantworter.boxen.front();
+        EXPECT_EQ(box.knöpfe, fall.erwartet);
+        EXPECT_EQ(box.beschriftungen, fall.beschriftungen);
+        EXPECT_EQ(box.titel, QStringLiteral("Flurix"));
+        EXPECT_EQ(box.text,
+                  QStringLiteral("Soll die vorhandene Datenbank überschrieben werden?   "));
+        EXPECT_EQ(box.symbol, QMessageBox::Question);
+    }
+}
+
+TEST_F(GuiTest, FrageGibtDenGeklicktenKnopfZurückNichtDieVorgabe) {
+    QtOberfläche ui;
+    {
+        Beantworter nein(QMessageBox::No);
+        EXPECT_EQ(ui.Frage({"Weiter?", "Flurix", Knöpfe::JaNein, Antwort::Ja, Antwort::Ja}),
+                  Antwort::Nein);
+    }
+    {
+        Beantworter abbrechen(QMessageBox::Cancel);
+        EXPECT_EQ(
+            ui.Frage({"Weiter?", "Flurix", Knöpfe::JaNeinAbbrechen, Antwort::Ja, Antwort::Ja}),
+            Antwort::Abbrechen);
+    }
+}
+
+TEST_F(GuiTest, MeldungZeigtSymbolNachStilUndTitelWieGegeben) {
+    const std::vector<std::pair<Stil, QMessageBox::Icon>> fälle = {
+        {Stil::Information, QMessageBox::Information},
+        {Stil::Warnung, QMessageBox::Warning},
+        {Stil::Fehler, QMessageBox::Critical},
+        {Stil::Frage, QMessageBox::Question},
+    };
+    QtOberfläche ui;
+    for (const auto& [stil, symbol] : fälle) {
+        Beantworter beantworter;
+        ui.Meldung("Das Dezimaltrennzeichen wurde von 'Komma' nach 'Punkt' geändert!   ",
+                   TitelDezimaltrennzeichen, stil);
+        ASSERT_EQ(beantworter.boxen.size(), 1U);
+        const Box& box = beantworter.boxen.front();
+        EXPECT_EQ(box.symbol, symbol);
+        EXPECT_EQ(box.titel, QStringLiteral("Ländereinstellung - Dezimaltrennzeichen"));
+        EXPECT_EQ(
+            box.text,
+            QStringLiteral("Das Dezimaltrennzeichen wurde von 'Komma' nach 'Punkt' geändert!   "));
+        EXPECT_EQ(box.knöpfe, QMessageBox::StandardButtons(QMessageBox::Ok));
+        EXPECT_EQ(box.beschriftungen, QStringList{QStringLiteral("OK")});
+    }
+}
+
+TEST_F(GuiTest, EscapeWirdEinmalGemeldetUndAndereEingabenVerworfen) {
+    QtOberfläche ui;
+    QPushButton knopf(QStringLiteral("Start"));
+    knopf.resize(80, 30);
+    knopf.show();
+    int geklickt = 0;
+    QObject::connect(&knopf, &QPushButton::clicked, [&] { ++geklickt; });
+    const auto klicken = [&] {
+        const QPointF mitte(40, 15);
+        QCoreApplication::postEvent(
+            &knopf, new QMouseEvent(QEvent::MouseButtonPress, mitte, knopf.mapToGlobal(mitte),
+                                    Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
+        QCoreApplication::postEvent(
+            &knopf, new QMouseEvent(QEvent::MouseButtonRelease, mitte, knopf.mapToGlobal(mitte),
+                                    Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
+    };
+
+    EXPECT_FALSE(ui.AbbruchGewünscht());
+    // A click that waits while the work runs is dropped by the poll, Escape is noted.
+    klicken();
+    QCoreApplication::postEvent(&knopf,
+                                new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+    EXPECT_TRUE(ui.AbbruchGewünscht());
+    EXPECT_EQ(geklickt, 0);
+    EXPECT_FALSE(ui.AbbruchGewünscht()) << "reading the request resets it";
+
+    // Outside a poll the program takes its input as always, and Escape cancels no later work.
+    klicken();
+    QCoreApplication::postEvent(&knopf,
+                                new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(geklickt, 1);
+    EXPECT_FALSE(ui.AbbruchGewünscht());
+}
+
+TEST_F(GuiTest, DateifilterWerdenAlsQtFilterGeschrieben) {
+    EXPECT_EQ(QtDateifilter(import::DateiFilter),
+              QStringLiteral("WLDGE-Format (*.wldge);;Flurix (*.fil);;Web-XML-Datei (*.xml);;"
+                             "NAS (*.xml);;NAS (*.mdb);;FKZ (*.fkz)"));
+    EXPECT_EQ(QtDateifilter("Zip-Datei (*.zip)|*.zip|"), QStringLiteral("Zip-Datei (*.zip)"));
+    // A description without its pattern gets it; several patterns are separated by blanks.
+    EXPECT_EQ(QtDateifilter("Texte|*.txt;*.csv|Alle|*.*"),
+              QStringLiteral("Texte (*.txt *.csv);;Alle (*.*)"));
+    EXPECT_EQ(QtDateifilter(""), QString());
+}
+
+TEST_F(GuiTest, GewählterFilterGibtDieEingabeart) {
+    const QStringList filter = QtDateifilterListe(import::DateiFilter);
+    ASSERT_EQ(filter.size(), 6);
+    const std::vector<std::pair<QString, import::Eingabeart>> fälle = {
+        {QStringLiteral("WLDGE-Format (*.wldge)"), import::Eingabeart::Wldge},
+        {QStringLiteral("Flurix (*.fil)"), import::Eingabeart::Tabelle},
+        {QStringLiteral("Web-XML-Datei (*.xml)"), import::Eingabeart::WebXml},
+        {QStringLiteral("NAS (*.xml)"), import::Eingabeart::NasXml},
+        {QStringLiteral("NAS (*.mdb)"), import::Eingabeart::NasDatenbank},
+        {QStringLiteral("FKZ (*.fkz)"), import::Eingabeart::FkzListe},
+    };
+    for (const auto& [gewählt, art] : fälle)
+        EXPECT_EQ(FilterNummer(filter, gewählt), static_cast<int>(art)) << Utf8(gewählt);
+    EXPECT_EQ(FilterNummer(filter, QStringLiteral("Alle Dateien (*)")), 0);
+}
+
+TEST_F(GuiTest, SpaltenansichtZeigtDieGewünschteAnsicht) {
+    TempOrdner ordner;
+    Programmzustand zustand{Installation{ordner.pfad()}};
+    zustand.spaltenansichten = {"Kataster ALKIS", "AL-amtl.Lageplan", "Eigentümer"};
+    zustand.gewünschteAnsicht = "Eigentümer";
+    ProzessZahlenformat format;
+    QtOberfläche ui;
+    FormDatenbank fenster(zustand, format, ui);
+    auto* box = fenster.findChild<QComboBox*>(QStringLiteral("ComboSpaltenansicht"));
+    ASSERT_NE(box, nullptr);
+    ASSERT_EQ(box->count(), 3);
+    EXPECT_EQ(box->itemText(1), QStringLiteral("AL-amtl.Lageplan"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Eigentümer"));
+}
+
+// --- the import options dialog ---
+
+template <typename T> T* Element(const QWidget& dialog, const char* name) {
+    T* element = dialog.findChild<T*>(QString::fromUtf8(name));
+    EXPECT_NE(element, nullptr) << name;
+    return element;
+}
+
+import::ImportOptionen OptionenFür(const char* format){import::ImportOptionen optionen;
+optionen.importFormat = format;
+return optionen;
+} // namespace
+
+TEST_F(GuiTest, OptionenDialogZeigtBeschriftungenUndTooltips) {
+    FormDatenbankDarstellung dialog(OptionenFür("32"));
+    struct Fall {
+        const char* name;
+        const char* text;
+        const char* tipp;
+    };
+    const std::vector<Fall> fälle = {
+        {"chkAlbTeilweise", "WLDGE-Daten teilweise einlesen",
+         "hier werden nur die wichtigsten Informationen, wie Flurstücksnummer, Eigentümer, "
+         "Grundbuchblattnummer etc., aus der WLDGE-Datei importiert"},
+        {"chkAlbKomplett", "WLDGE-Daten komplett einlesen",
+         "mittels SQL-Datenbank können (z.Z. fast) alle Informationen der WLDGE-Datei im "
+         "Datenanforderungsformat 32 ausgwertet werden"},
+        {"ALBNutzungTasächlich", "tatsächliche Nutzung vollständig",
+         "Nutzung pro NA unverschlüsselt"},
+        {"ALBNameVornameUmdrehen", "[Name, Vorname] in [Vorname Name] ändern", ""},
+        {"EigentümerJeFlurstück_0", "je Eigentümer und Flurstück eine Datenzeile", ""},
+        {"EigentümerJeFlurstück_1", "alle Eigentümer je Flurstück eine Datenzeile", ""},
+        {"chkFlurixSuchbegriffGemarkung", "Flurstückssuche vereinfachen",
+         "Auswahl Flurstück nach Gemarkung und Flur"},
+    };
+    for (const Fall& fall : fälle) {
+        auto* knopf = Element<QAbstractButton>(dialog, fall.name);
+        ASSERT_NE(knopf, nullptr);
+        EXPECT_EQ(knopf->text(), QString::fromUtf8(fall.text)) << fall.name;
+        EXPECT_EQ(knopf->toolTip(), QString::fromUtf8(fall.tipp)) << fall.name;
+    }
+    EXPECT_NE(Element<QPushButton>(dialog, "cmdAbbruch"), nullptr);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("WLDGE-32-Datenformat"));
+}
+
+TEST_F(GuiTest, OptionenDialogStartetMitDenGegebenenOptionen) {
+    const auto vorgabe = OptionenFür("32");
+    FormDatenbankDarstellung dialog(vorgabe);
+    EXPECT_TRUE(Element<QCheckBox>(dialog, "chkAlbTeilweise")->isChecked());
+    EXPECT_TRUE(Element<QCheckBox>(dialog, "ALBNutzungTasächlich")->isChecked());
+    EXPECT_FALSE(Element<QCheckBox>(dialog, "ALBNameVornameUmdrehen")->isChecked());
+    EXPECT_TRUE(Element<QRadioButton>(dialog, "EigentümerJeFlurstück_0")->isChecked());
+    const import::ImportOptionen o = dialog.Optionen();
+    EXPECT_EQ(o.albKomplett, vorgabe.albKomplett);
+    EXPECT_EQ(o.nutzungTatsächlich, vorgabe.nutzungTatsächlich);
+    EXPECT_EQ(o.nameUmdrehen, vorgabe.nameUmdrehen);
+    EXPECT_EQ(o.alleEigentümerInEinerZeile, vorgabe.alleEigentümerInEinerZeile);
+    EXPECT_EQ(o.suchbegriffGemarkung, vorgabe.suchbegriffGemarkung);
+    EXPECT_EQ(o.importFormat, "32");
+}
+
+TEST_F(GuiTest, TeilweiseUndKomplettSchließenSichAus) {
+    FormDatenbankDarstellung dialog(OptionenFür("32"));
+    auto* teilweise = Element<QCheckBox>(dialog, "chkAlbTeilweise");
+    auto* komplett = Element<QCheckBox>(dialog, "chkAlbKomplett");
+    ASSERT_TRUE(teilweise && komplett);
+    komplett->click();
+    EXPECT_TRUE(komplett->isChecked());
+    EXPECT_FALSE(teilweise->isChecked());
+    EXPECT_TRUE(dialog.Optionen().albKomplett);
+    // The ticked box can't be cleared: one reader is always chosen.
+    komplett->click();
+    EXPECT_TRUE(komplett->isChecked());
+    teilweise->click();
+    EXPECT_TRUE(teilweise->isChecked());
+    EXPECT_FALSE(komplett->isChecked());
+    EXPECT_FALSE(dialog.Optionen().albKomplett);
+}
+
+TEST_F(GuiTest, OptionenDialogBietetJeFormatAn) {
+    struct Fall {
+        const char* format;
+        const char* titel;
+        bool teilweise, komplett, zeilenWählbar;
+    };
+    const std::vector<Fall> fälle = {
+        {"32", "WLDGE-32-Datenformat", true, true, true},
+        {"35", "WLDGE-35-Datenformat", true, false, false},
+        {"XML", "Web-XML-Datenformat", false, false, true},
+    };
+    for (const Fall& fall : fälle) {
+        auto optionen = OptionenFür(fall.format);
+        optionen.albKomplett = true; // as a former load may have left it
+        FormDatenbankDarstellung dialog(optionen);
+        EXPECT_EQ(dialog.windowTitle(), QString::fromUtf8(fall.titel));
+        auto* teilweise = Element<QCheckBox>(dialog, "chkAlbTeilweise");
+        auto* komplett = Element<QCheckBox>(dialog, "chkAlbKomplett");
+        auto* zeilen = Element<QGroupBox>(dialog, "EigentümerJeFlurstück");
+        ASSERT_TRUE(teilweise && komplett && zeilen);
+        EXPECT_EQ(teilweise->isVisibleTo(&dialog), fall.teilweise) << fall.format;
+        EXPECT_EQ(komplett->isVisibleTo(&dialog), fall.komplett) << fall.format;
+        EXPECT_EQ(zeilen->isEnabled(), fall.zeilenWählbar) << fall.format;
+        const import::ImportOptionen o = dialog.Optionen();
+        EXPECT_EQ(o.albKomplett, fall.komplett) << fall.format;
+        EXPECT_EQ(o.importFormat, fall.format);
+    }
+    // Format 35 makes one row per parcel, and the dialog shows that.
+    FormDatenbankDarstellung dialog35(OptionenFür("35"));
+    EXPECT_TRUE(Element<QRadioButton>(dialog35, "EigentümerJeFlurstück_1")->isChecked());
+    EXPECT_TRUE(dialog35.Optionen().alleEigentümerInEinerZeile);
+}
+
+TEST_F(GuiTest, OptionenDialogSchreibtNurBeiOk) {
+    QWidget eltern;
+    import::ImportOptionen optionen = OptionenFür("32");
+    const auto ändern = [](QWidget& dialog, const char* knopf) {
+        Element<QCheckBox>(dialog, "chkAlbKomplett")->click();
+        Element<QCheckBox>(dialog, "ALBNameVornameUmdrehen")->click();
+        Element<QRadioButton>(dialog, "EigentümerJeFlurstück_1")->click();
+        Element<QPushButton>(dialog, knopf)->click();
+    };
+    const auto bearbeiten = [&](const char* knopf) {
+        QTimer::singleShot(0, [&] {
+            auto* dialog =
+                qobject_cast<FormDatenbankDarstellung*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            ändern(*dialog, knopf);
+        });
+        return FormDatenbankDarstellung::Bearbeiten(optionen, &eltern);
+    };
+    EXPECT_FALSE(bearbeiten("cmdAbbruch"));
+    EXPECT_FALSE(optionen.albKomplett);
+    EXPECT_FALSE(optionen.nameUmdrehen);
+    EXPECT_FALSE(optionen.alleEigentümerInEinerZeile);
+    EXPECT_TRUE(bearbeiten("cmdOK"));
+    EXPECT_TRUE(optionen.albKomplett);
+    EXPECT_TRUE(optionen.nameUmdrehen);
+    EXPECT_TRUE(optionen.alleEigentümerInEinerZeile);
+    EXPECT_TRUE(optionen.nutzungTatsächlich);
+    EXPECT_EQ(optionen.importFormat, "32");
+}
+
+// --- closing and the start by command line ---
+
+TEST_F(GuiTest, SchließenMitNeinLässtDasProgrammLaufen) {
+    Hauptfenster h;
+    h.fenster.show();
+    Beantworter nein(QMessageBox::No);
+    EXPECT_FALSE(h.fenster.close());
+    EXPECT_TRUE(h.fenster.isVisible());
+    EXPECT_TRUE(h.zustand.BeendenFragen);
+    EXPECT_FALSE(h.exitcode.has_value());
+    ASSERT_EQ(nein.boxen.size(), 1U);
+    EXPECT_EQ(nein.boxen[0].text,
+              QStringLiteral("Wollen Sie den Flurix jetzt wirklich beenden?   "));
+    EXPECT_EQ(nein.boxen[0].titel, QStringLiteral("Flurix"));
+}
+
+TEST_F(GuiTest, SchließenMitJaBeendetOhneZweiteFrage) {
+    Hauptfenster h;
+    h.fenster.show();
+    Beantworter ja(QMessageBox::Yes);
+    EXPECT_TRUE(h.fenster.close());
+    EXPECT_FALSE(h.zustand.BeendenFragen);
+    EXPECT_EQ(h.exitcode, 0);
+    // Once ended, nothing asks again or ends a second time.
+    EXPECT_TRUE(h.fenster.BeendenKlick());
+    EXPECT_EQ(ja.boxen.size(), 1U);
+    EXPECT_EQ(h.exitcode, 0);
+}
+
+TEST_F(GuiTest, DateiVonDerKommandozeileWirdNachDemAnzeigenErfragt) {
+    Hauptfenster h;
+    const auto datei = h.ordner / "auftrag.fil";
+    test::DateiSchreiben(datei, "");
+    h.zustand.auftrag.art = Startart::DateiLaden;
+    h.zustand.auftrag.AutoStartDatei = true;
+    h.zustand.auftrag.AuftragsDatei = "fil";
+    h.zustand.auftrag.Kommandozeile = datei.string();
+    Beantworter nein(QMessageBox::No);
+    h.fenster.Starten();
+    EXPECT_TRUE(h.fenster.isVisible());
+    EXPECT_TRUE(nein.boxen.empty()) << "the question waits until the window is painted";
+    Warten([&] { return !nein.boxen.empty(); });
+    ASSERT_EQ(nein.boxen.size(), 1U);
+    EXPECT_EQ(nein.boxen[0].text,
+              QStringLiteral("Soll die Eingabedatei \"auftrag.fil\" eingelesen werden?   "));
+    EXPECT_FALSE(h.exitcode.has_value());
+}
+
+TEST_F(GuiTest, NasStapelUndKarteMeldenUndEndenOhneFrage) {
+    struct Fall {
+        Startart art;
+        bool still, karte;
+        const char* was;
+    };
+    const std::vector<Fall> fälle = {
+        {Startart::NasStapel, true, false, "Der NAS-Arbeitsbereich"},
+        {Startart::Karte, false, true, "Das Kartenfenster"},
+    };
+    for (const Fall& fall : fälle) {
+        Hauptfenster h;
+        h.zustand.auftrag.art = fall.art;
+        h.zustand.auftrag.StillModus = fall.still;
+        h.zustand.auftrag.MapModus = fall.karte;
+        Beantworter ok;
+        h.fenster.Starten();
+        Warten([&] { return h.exitcode.has_value(); });
+        EXPECT_FALSE(h.fenster.isVisible()) << fall.was;
+        EXPECT_EQ(h.exitcode, 1) << fall.was;
+        ASSERT_EQ(ok.boxen.size(), 1U) << "the message, and no question to end: " << fall.was;
+        EXPECT_EQ(ok.boxen[0].text, QText(import::NochNichtVerfügbar(fall.was)));
+        EXPECT_EQ(ok.boxen[0].titel, QStringLiteral("Flurix"));
+    }
+}
+
+// --- the system options dialog ---
+
+TEST_F(GuiTest, SystemdialogÖffnetNichtOhneSchreibrecht) {
+    TempOrdner ordner;
+    SkriptOberfläche ui;
+    // A folder that isn't there can't be written to, whoever runs the test.
+    EXPECT_FALSE(FormOptionenSystem::Anzeigen(ordner / "fehlt" / "config", ui, nullptr));
+    ASSERT_EQ(ui.Meldungen().size(), 1U);
+    EXPECT_TRUE(ui.Meldungen()[0].starts_with("Es liegen keine Schreibrechte für Änderungen an den "
+                                              "Systemdateien im Programmverzeichnis"));
+    EXPECT_EQ(ui.Ereignisse()[0].titel, "Änderungen an den Systemdateien nicht möglich!");
+}
+
+TEST_F(GuiTest, SystemsicherungZeigtIhrErgebnisImDialog) {
+    TempOrdner ordner;
+    const auto konfig = ordner / "config";
+    test::DateiSchreiben(konfig / "Flurix.dat", "tempArbeitsverzeichnis =\r\n");
+    SkriptOberfläche ui;
+    FormOptionenSystem dialog(konfig, ui);
+    const auto zip = ordner / "sicherung.zip";
+    EXPECT_TRUE(dialog.Sichern(zip));
+    EXPECT_TRUE(std::filesystem::exists(zip));
+    EXPECT_TRUE(dialog.Zustand().contains(QStringLiteral("erfolgreich erstellt")));
+
+    test::DateiSchreiben(konfig / "Flurix.dat", "geändert\r\n");
+    EXPECT_TRUE(dialog.Einlesen(zip));
+    EXPECT_EQ(test::DateiLesen(konfig / "Flurix.dat"), "tempArbeitsverzeichnis =\r\n");
+    EXPECT_TRUE(dialog.Zustand().contains(QStringLiteral("eingelesen")));
+
+    EXPECT_FALSE(dialog.Einlesen(ordner / "fehlt.zip"));
+    EXPECT_EQ(dialog.Zustand(), QStringLiteral("Fehler beim Zip-Datei öffnen!"));
+}
+
+} // namespace flurix::gui
+} // namespace flurix::gui
