@@ -2,13 +2,31 @@
 
 #include "cli/argumente.hpp"
 #include "cli/sitzung.hpp"
+#include "core/kataster.hpp"
+#include "core/kataster_datei.hpp"
 #include "import/datenladen.hpp"
 
 #include <ostream>
 
 namespace flurix::cli {
+namespace {
 
-int BefehlImport(const std::vector<std::string>& argumente, std::ostream&, std::ostream& fehler,
+// The readers this version has, writing into `kataster`.
+import::Ladeumgebung LadeumgebungFür(Kataster& kataster, Oberfläche& ui) {
+    import::Ladeumgebung umgebung;
+    umgebung.tabellenZeilen = [&kataster] { return kataster.Zeilenzahl(); };
+    umgebung.tabelleLeeren = [&kataster] { kataster.Leeren(); };
+    umgebung.leser.tabelle = [&kataster, &ui](const std::filesystem::path& datei) {
+        KatasterLaden(kataster, datei);
+        ui.Status(1, std::to_string(kataster.Zeilenzahl()) + " Zeilen eingelesen  ");
+        return Ergebnis::Ok();
+    };
+    return umgebung;
+}
+
+} // namespace
+
+int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
                  const Umgebung& umgebung) {
     const auto args = ArgumenteLesen(argumente,
                                      {"--komplett", "--schnell", "--alle-eigentuemer-in-einer-zeile",
@@ -40,14 +58,35 @@ int BefehlImport(const std::vector<std::string>& argumente, std::ostream&, std::
     Sitzung sitzung(umgebung, fehler);
     if (!sitzung.Starten(""))
         return 1;
-    import::Ladeumgebung ladeumgebung;
+    Kataster kataster;
+    const auto ausgabe = args->Wert("--out");
+    try {
+        // Appending starts from the table that is there.
+        if (args->Hat("--anfuegen") && ausgabe && std::filesystem::exists(*ausgabe))
+            KatasterLaden(kataster, *ausgabe);
+    } catch (const Fehler& e) {
+        fehler << e.what() << '\n';
+        return sitzung.Beenden(1);
+    }
+    import::Ladeumgebung ladeumgebung = LadeumgebungFür(kataster, sitzung.ui);
     auto& optionen = ladeumgebung.optionen;
     optionen.albKomplett = args->Hat("--komplett");
     optionen.alleEigentümerInEinerZeile = args->Hat("--alle-eigentuemer-in-einer-zeile");
     optionen.nameUmdrehen = args->Hat("--name-umdrehen");
     optionen.nutzungTatsächlich = !args->Hat("--nutzung-verschluesselt");
     const Ergebnis ergebnis = import::ALBDatenLaden(auftrag, ladeumgebung, sitzung.ui);
-    return sitzung.Beenden(Exitcode(ergebnis));
+    if (!ergebnis)
+        return sitzung.Beenden(1);
+    aus << kataster.Zeilenzahl() << " Zeilen eingelesen\n";
+    if (ausgabe) {
+        try {
+            KatasterSpeichern(kataster, *ausgabe);
+        } catch (const Fehler& e) {
+            fehler << e.what() << '\n';
+            return sitzung.Beenden(1);
+        }
+    }
+    return sitzung.Beenden(0);
 }
 
 } // namespace flurix::cli

@@ -27,8 +27,10 @@ const std::vector<Befehl>& Befehle() {
         {"konfig", "sichert das Konfigurationsverzeichnis als Zip-Archiv oder liest es zurück",
          "Aufruf: flurix konfig sichern <archiv.zip>\n"
          "        flurix konfig einlesen <archiv.zip>\n"
+         "        flurix konfig starteinstellung <dienst> <rechtswert;hochwert> <epsg> <maßstab>\n"
          "  Sichert alle Dateien von config/ der Installation mit ihren Pfaden, oder packt ein\n"
-         "  solches Archiv über config/ aus.\n",
+         "  solches Archiv über config/ aus. \"starteinstellung\" schreibt den Start der Karte\n"
+         "  (StartMapWebService...) in Flurix.dat, nach einer Sicherungskopie der Datei.\n",
          BefehlKonfig},
     };
     return befehle;

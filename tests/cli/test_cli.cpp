@@ -114,6 +114,22 @@ TEST_F(CliTest, ImportOhneLeserEndetMitKlarerMeldung) {
     EXPECT_EQ(Lauf({"import", datei.string(), "--out"}), 2);
 }
 
+TEST_F(CliTest, GespeicherteTabelleWirdEingelesenUndAlsTsvGeschrieben) {
+    const auto fil = ordner / "tabelle.fil";
+    DateiSchreiben(fil, "FLURIX-TABELLE\t1\nspalten\t2\n"
+                        "Gemarkung\tGemarkung\t1200\t1\t1\nName\tEigentümer\t2400\t1\t0\n"
+                        "zeilen\t00000000000000000002\nNord\tMeier\\nSchulze\nSüd\t\n");
+    const auto tsv = ordner / "tabelle.tsv";
+    EXPECT_EQ(Lauf({"import", fil.string(), "--out", tsv.string()}), 0);
+    EXPECT_EQ(aus.str(), "2 Zeilen eingelesen\n");
+    EXPECT_EQ(DateiLesen(tsv), "Gemarkung\tName\nNord\tMeier\\nSchulze\nSüd\t\n");
+
+    DateiSchreiben(fil, "FLURIX-TABELLE\t1\nspalten\t1\nA\tA\t1\t1\t0\nzeilen\t00000000000000000003\nx\n");
+    EXPECT_EQ(Lauf({"import", fil.string(), "--out", tsv.string()}), 1);
+    EXPECT_NE(fehler.str().find(", Bitte überprüfen Sie Ihre Eingaben!"), std::string::npos);
+    EXPECT_EQ(DateiLesen(tsv), "Gemarkung\tName\nNord\tMeier\\nSchulze\nSüd\t\n"); // unchanged
+}
+
 TEST_F(CliTest, KonfigSichernUndEinlesen) {
     const auto konfig = ordner / "inst" / "config";
     DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "Kataster ALKIS=Flur\r\n");
@@ -123,6 +139,14 @@ TEST_F(CliTest, KonfigSichernUndEinlesen) {
     EXPECT_EQ(Lauf({"konfig", "einlesen", archiv.string()}), 0);
     EXPECT_EQ(DateiLesen(konfig / "ALB_DatenbankSpalten.dat"), "Kataster ALKIS=Flur\r\n");
     EXPECT_EQ(Lauf({"konfig", "packen", archiv.string()}), 2);
+
+    DateiSchreiben(konfig / "Flurix.dat", "StartMapWebService =\r\nStartMapWebServiceKoo =\r\n");
+    EXPECT_EQ(Lauf({"konfig", "starteinstellung", "TopPlusOpen", "350000;5600000", "25832", "500"}), 0);
+    EXPECT_EQ(DateiLesen(konfig / "Flurix.dat"),
+              "StartMapWebService =TopPlusOpen\r\nStartMapWebServiceKoo =350000;5600000\r\n");
+    EXPECT_EQ(fehler.str(), "Web-Service, Zentrumskoordinate, Maßstab und EPSG als "
+                            "Standardvoreinstellung übernehmen?   \nSystemdatei Flurix.dat "
+                            "erfolgreich geändert!   \n");
 }
 
 // The program itself, under a comma-decimal locale: the same bytes as under the C locale.
