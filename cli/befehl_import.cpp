@@ -5,6 +5,7 @@
 #include "core/kataster.hpp"
 #include "core/kataster_datei.hpp"
 #include "import/datenladen.hpp"
+#include "import/wldge_komplett.hpp"
 
 #include <ostream>
 
@@ -12,8 +13,16 @@ namespace flurix::cli {
 namespace {
 
 // The readers this version has, writing into `kataster`.
-import::Ladeumgebung LadeumgebungFür(Kataster& kataster, Oberfläche& ui) {
+import::Ladeumgebung LadeumgebungFür(Kataster& kataster, Sitzung& sitzung) {
+    Oberfläche& ui = sitzung.ui;
     import::Ladeumgebung umgebung;
+    umgebung.leser.wldgeKomplett = [&kataster, &sitzung](const std::filesystem::path& datei,
+                                                        const import::ImportOptionen& optionen) {
+        const import::WldgeKomplettUmgebung ort{sitzung.zustand.arbeitsverzeichnis,
+                                                sitzung.zustand.installation.Spaltenansichten(),
+                                                sitzung.zustand.gewünschteAnsicht};
+        return import::WldgeKomplettLesen(datei, optionen, ort, kataster, sitzung.ui);
+    };
     umgebung.tabellenZeilen = [&kataster] { return kataster.Zeilenzahl(); };
     umgebung.tabelleLeeren = [&kataster] { kataster.Leeren(); };
     umgebung.leser.tabelle = [&kataster, &ui](const std::filesystem::path& datei) {
@@ -68,7 +77,7 @@ int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, s
         fehler << e.what() << '\n';
         return sitzung.Beenden(1);
     }
-    import::Ladeumgebung ladeumgebung = LadeumgebungFür(kataster, sitzung.ui);
+    import::Ladeumgebung ladeumgebung = LadeumgebungFür(kataster, sitzung);
     auto& optionen = ladeumgebung.optionen;
     optionen.albKomplett = args->Hat("--komplett");
     optionen.alleEigentümerInEinerZeile = args->Hat("--alle-eigentuemer-in-einer-zeile");

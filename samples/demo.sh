@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The main job of this version on the bundled samples: each input is looked at and dispatched as
-# "Datei öffnen" would, in a scratch copy (the dispatch converts UNIX line ends in place).
+# The main job on the bundled samples, in a scratch copy (the dispatch converts UNIX line ends in
+# place): each input is recognised, the WLDGE extract is read completely into the table Kataster
+# and written as .tsv and .fil, and a few columns of the result are shown.
 set -euo pipefail
 flurix=${1:?Aufruf: demo.sh <pfad zu flurix>}
 hier=$(cd "$(dirname "$0")" && pwd)
@@ -11,8 +12,17 @@ cp "$hier"/musterkreis_format32.wldge "$hier"/musterstadt_bestandsdatenauszug.xm
 echo "== flurix erkennen: Art und Leser jeder Eingabedatei"
 "$flurix" erkennen "$arbeit"/musterkreis_format32.wldge "$arbeit"/musterstadt_bestandsdatenauszug.xml
 echo
-for datei in musterkreis_format32.wldge musterstadt_bestandsdatenauszug.xml; do
-    echo "== flurix import $datei"
-    "$flurix" import "$arbeit/$datei" 2>&1 && code=0 || code=$?
-    echo "(Ende mit $code)"
-done
+echo "== flurix import musterkreis_format32.wldge --komplett --out kataster.tsv"
+"$flurix" import "$arbeit"/musterkreis_format32.wldge --komplett --out "$arbeit"/kataster.tsv 2>&1
+"$flurix" import "$arbeit"/musterkreis_format32.wldge --komplett --out "$arbeit"/kataster.fil >/dev/null 2>&1
+echo
+echo "== Auszug aus kataster.tsv"
+awk -F'\t' '
+    NR == 1 { for (i = 1; i <= NF; i++) spalte[$i] = i; next }
+    { printf "%-12s %-4s %-10s %-5s %-22s %-26s %s\n", $spalte["Gemarkung"], $spalte["Flur"],
+             $spalte["Flurstück"], $spalte["Eigentümerposition"], $spalte["Name"],
+             $spalte["Lagebezeichnung"], $spalte["Nutzung_tatsächlich"] }' "$arbeit"/kataster.tsv
+echo
+echo "== flurix import musterstadt_bestandsdatenauszug.xml"
+"$flurix" import "$arbeit"/musterstadt_bestandsdatenauszug.xml 2>&1 && code=0 || code=$?
+echo "(Ende mit $code)"

@@ -99,16 +99,20 @@ TEST_F(CliTest, ErkennenSagtArtUndLeserOhneZuÄndern) {
     EXPECT_EQ(Lauf({"erkennen"}), 2);
 }
 
-TEST_F(CliTest, ImportOhneLeserEndetMitKlarerMeldung) {
+TEST_F(CliTest, ImportKomplettUndOhneLeserMitKlarerMeldung) {
     const auto datei = ordner / "kreis.wldge";
     std::filesystem::copy_file(
         std::filesystem::path(FLURIX_QUELLEN) / "samples" / "musterkreis_format32.wldge", datei);
     EXPECT_EQ(Lauf({"import", datei.string(), "--schnell"}), 1);
     EXPECT_EQ(fehler.str(), "Der WLDGE-Leser (teilweise) ist in dieser Version von Flurix noch "
                             "nicht verfügbar!   \n");
-    EXPECT_EQ(Lauf({"import", datei.string(), "--komplett"}), 1);
-    EXPECT_EQ(fehler.str(), "Der WLDGE-Leser (komplett) ist in dieser Version von Flurix noch "
-                            "nicht verfügbar!   \n");
+    const auto tabelle = ordner / "kreis.tsv";
+    EXPECT_EQ(Lauf({"import", datei.string(), "--komplett", "--out", tabelle.string()}), 0);
+    EXPECT_EQ(fehler.str(), "");
+    EXPECT_EQ(aus.str(), "6 Zeilen eingelesen\n");
+    const std::string tsv = DateiLesen(tabelle);
+    EXPECT_NE(tsv.find("\tDr. Mustermann, Max\t"), std::string::npos);
+    EXPECT_NE(tsv.find("\tLand_aus_Bestandsdaten\t"), std::string::npos);
     EXPECT_EQ(Lauf({"import", datei.string(), "--komplett", "--schnell"}), 2);
     EXPECT_EQ(Lauf({"import", (ordner / "liste.txt").string()}), 2);
     EXPECT_EQ(Lauf({"import", datei.string(), "--out"}), 2);
