@@ -32,6 +32,33 @@ const std::vector<Befehl>& Befehle() {
          "  solches Archiv über config/ aus. \"starteinstellung\" schreibt den Start der Karte\n"
          "  (StartMapWebService...) in Flurix.dat, nach einer Sicherungskopie der Datei.\n",
          BefehlKonfig},
+        {"suchen", "sucht einen Begriff in einer Spalte der Tabelle wie die Suchleiste",
+         "Aufruf: flurix suchen <tabelle> --spalte <schlüssel> [--begriff <begriff>] [Optionen]\n"
+         "  Sucht wie die Suchleiste: der Begriff wird für die Spalte mit Nullen aufgefüllt\n"
+         "  (Fläche 9 Stellen, Grundbuchblatt 7, Flur 4, Flurstück \"231\" als \"00231/0000\",\n"
+         "  \"231/1\" als \"00231/0001\", \"12_3\" als \"00012_0003\"), sonst wie eingegeben. Er trifft\n"
+         "  die ganze Zelle ohne Rücksicht auf Groß- und Kleinschreibung, mit \"*\" am Ende ihren\n"
+         "  Anfang. Ohne Begriff trifft jede Zeile (mit --gemarkung und --flur die Zeilen der Flur).\n"
+         "  Die Treffer werden nach Gemarkungsschlüssel und Eigentümerposition sortiert.\n"
+         "  --gemarkung <name> --flur <nr>   nur Zeilen dieser Gemarkung (Name) und Flur\n"
+         "  --alle-eigentuemer-in-einer-zeile   \"*\" anhängen: trifft den Anfang einer Namensliste\n"
+         "  --out <datei>     die Trefferzeilen als Tabelle schreiben (.tsv, .fil), alle Spalten;\n"
+         "                    auf stdout steht dann die Zahl der Treffer\n"
+         "  Ohne --out stehen die Trefferzeilen als .tsv auf stdout. Kein Treffer: die Meldung\n"
+         "  steht auf stderr, die Ausgabe hat keine Zeile, Ende mit 0.\n",
+         BefehlSuchen},
+        {"markieren", "markiert die Flurstücke einer Flurstücksliste (.lst) in der Tabelle",
+         "Aufruf: flurix markieren <tabelle> --liste <datei.lst> --out <tabelle>\n"
+         "  Wie \"Markierung laden\": jede Zeile, deren Flurstückskennzeichen die Liste nennt, wird\n"
+         "  markiert (Spalte checkdruck = 1, angelegt, wenn sie fehlt). Eine Zeile der Liste ist ein\n"
+         "  Flurstückskennzeichen oder <Gemarkungsnummer> <Flur> <Flurstücksnummer>, z.B.\n"
+         "  \"12195500700231000100\", \"121955 7 231/1\" oder \"12-1955-007-00231/0001\".\n"
+         "  Nicht gefundene Kennzeichen stehen in <datei.lst>.err neben der Liste. Markierte Zeilen\n"
+         "  stehen vorn, nach Gemarkungsschlüssel, Flur, Grundbuchblatt, Flurstück sortiert.\n"
+         "  --out <datei>     die Tabelle mit den Markierungen schreiben (.tsv, .fil)\n"
+         "  Ende mit 1, wenn eine Zeile der Liste kein gültiges Format hat: die Meldung steht auf\n"
+         "  stderr, die Markierungen bis dahin werden geschrieben.\n",
+         BefehlMarkieren},
     };
     return befehle;
 }

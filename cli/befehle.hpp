@@ -28,6 +28,8 @@ std::string Version();
 int BefehlErkennen(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlImport(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlKonfig(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
+int BefehlSuchen(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
+int BefehlMarkieren(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 
 /// A job command line: "<path>/job.wldge" and the other interactive types open the desktop program;
 /// "<path>/job.xml /ggout /still" and its siblings run unattended; "/map y;x" opens the map.

@@ -44,6 +44,17 @@ double ZahlLesen(std::string_view text) {
     return fehler == std::errc() ? wert : 0.0;
 }
 
+std::string TextSäubern(std::string_view text) {
+    std::string sauber;
+    sauber.reserve(text.size());
+    for (char c : text)
+        if (c != ' ' || (!sauber.empty() && sauber.back() != ' '))
+            sauber += c;
+    if (!sauber.empty() && sauber.back() == ' ')
+        sauber.pop_back();
+    return sauber;
+}
+
 std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu) {
     if (alt.empty())
         return std::string(text);

@@ -18,6 +18,10 @@ std::vector<std::string_view> Teilen(std::string_view text, char trenner);
 /// Independent of the process's locale.
 double ZahlLesen(std::string_view text);
 
+/// Each run of blanks made one blank, then blanks cut at both ends (tabs are left alone): the
+/// cleaning of register texts and list lines.
+std::string TextSäubern(std::string_view text);
+
 /// Every occurrence of `alt` replaced by `neu`, left to right, without rescanning what was inserted.
 std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu);
 

@@ -23,15 +23,6 @@ char Spalte(std::string_view zeile, std::size_t spalte) {
     return spalte >= 1 && spalte <= zeile.size() ? zeile[spalte - 1] : '\0';
 }
 
-std::string TextSäubern(std::string_view text) {
-    std::string ergebnis;
-    ergebnis.reserve(text.size());
-    for (char c : text)
-        if (!(c == ' ' && !ergebnis.empty() && ergebnis.back() == ' '))
-            ergebnis += c;
-    return std::string(TrimmeLeerzeichen(ergebnis));
-}
-
 long long FeldZahl(std::string_view text) {
     // As the register's numbers are read: leading blanks skipped, the digits up to the first
     // other character count ("12a" is 12), no digits give 0.

@@ -15,9 +15,6 @@ std::string FeldBisEnde(std::string_view zeile, std::size_t von);
 /// One column as the raw byte ("" past the end).
 char Spalte(std::string_view zeile, std::size_t spalte);
 
-/// Every double blank made one, again and again, then blanks trimmed at both ends.
-std::string TextSäubern(std::string_view text);
-
 /// The whole number at the start of a field as the register writes it ("00231" → 231, " 12a" →
 /// 12); no number gives 0.
 long long FeldZahl(std::string_view text);
