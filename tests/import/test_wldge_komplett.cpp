@@ -224,6 +224,53 @@ TEST_F(WldgeKomplettTest, SchlüsseltexteDerBlöckeSiebenBisNeun) {
     EXPECT_EQ(zelle("Schätzung"), "L 4 V;  ");
 }
 
+TEST_F(WldgeKomplettTest, GleicherEigentümerschlüsselGehtOhneMeldungVerloren) {
+    std::vector<std::string> zeilen{Kopf("32")};
+    for (auto& z : Eigentümer("051234-000123", "0001.00", '1', "Erster", "A"))
+        zeilen.push_back(z);
+    for (auto& z : Eigentümer("051234-000123", "0001.00", '1', "Zweiter", "B"))
+        zeilen.push_back(z);
+    zeilen.push_back(Flurstück("00042", "000000512"));
+    zeilen.push_back(Buchung("00042", "000123", "0001"));
+    ASSERT_TRUE(Lesen(zeilen));
+    const auto rows = Zeilen({"Name", "Ort", "Eigentümerposition"});
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].at("Name"), "Erster");
+    EXPECT_EQ(rows[0].at("Ort"), "A");
+    EXPECT_TRUE(ui.Meldungen().empty());
+}
+
+TEST_F(WldgeKomplettTest, NutzungstexteNachBlockNeunWennNichtVollständig) {
+    // With the option off, the key texts of block 9 are appended in their own order.
+    optionen.nutzungTatsächlich = false;
+    std::vector<std::string> zeilen{Kopf("32")};
+    for (auto& z : Eigentümer("051234-000123", "0001.00", '1', "Muster", "A"))
+        zeilen.push_back(z);
+    zeilen.push_back(Flurstück("00042", "000000512"));
+    zeilen.push_back(Satz('3', "051234-001-00042/000", 'K').Setze(34, "21-110 0000100").Text());
+    zeilen.push_back(Satz('3', "051234-001-00042/000", 'K').Setze(34, "12-345 0000412").Text());
+    zeilen.push_back(Buchung("00042", "000123", "0001"));
+    zeilen.push_back(Satz('9', "12345", 'D').Setze(30, "Wohnbaufläche").Text());
+    zeilen.push_back(Satz('9', "21110", 'D').Setze(30, "Ackerland").Text());
+    ASSERT_TRUE(Lesen(zeilen));
+    ASSERT_EQ(kataster.Zeilenzahl(), 1u);
+    EXPECT_EQ(kataster.Zelle(0, "Nutzung_tatsächlich"), "Wohnbaufläche; Ackerland; ");
+
+    optionen.nutzungTatsächlich = true;
+    ASSERT_TRUE(Lesen(zeilen));
+    EXPECT_EQ(kataster.Zelle(0, "Nutzung_tatsächlich"), "Ackerland; Wohnbaufläche");
+}
+
+TEST_F(WldgeKomplettTest, BelegteStagingDatenbankWirdGemeldet) {
+    // A folder of that name can't be deleted, as a database another instance holds open.
+    test::DateiSchreiben(ordner / "tmp_flurix" / "belegt", "x");
+    EXPECT_FALSE(Lesen({Kopf("32")}));
+    EXPECT_EQ(ui.Meldungen(), std::vector<std::string>{
+                                  "Fehler: [Flurix doppelt geöffnet]! Bitte beenden Sie den Flurix "
+                                  "oder wählen Sie [WLDGE-Daten teilweise einlesen - schnell]!   "});
+    EXPECT_EQ(ui.Ereignisse().back().titel, "Achtung Fehler!");
+}
+
 TEST_F(WldgeKomplettTest, AnderesFormatImKopfWirdAbgelehnt) {
     EXPECT_FALSE(Lesen({Kopf("35"), Flurstück("00042", "000000512")}));
     EXPECT_EQ(ui.Meldungen(),
