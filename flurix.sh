@@ -14,6 +14,7 @@ PAKETE=(
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     qt6-base-dev qt6-translations-l10n libgl-dev xvfb xauth
     locales zip unzip xz-utils
+    qpdf poppler-utils
 )
 
 setup() {
