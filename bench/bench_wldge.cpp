@@ -1,6 +1,7 @@
 // Benchmark of the complete WLDGE reader: a generated extract of format 32 (about a million lines
 // by default) is read into the staging database and joined into the table.
 //   bench_wldge [lines in thousands] [folder]     (or FLURIX_BENCH_ZEILEN_TSD)
+#include "bench/wldge_erzeugen.hpp"
 #include "core/kataster.hpp"
 #include "core/oberflaeche_batch.hpp"
 #include "import/datenladen.hpp"
@@ -16,24 +17,8 @@
 
 namespace {
 
-std::string Satz(char block, const std::string& schlüssel, char art,
-                 std::initializer_list<std::pair<std::size_t, std::string>> felder) {
-    std::string z(100, ' ');
-    z[0] = block;
-    z.replace(1, schlüssel.size(), schlüssel);
-    z[26] = art;
-    for (const auto& [spalte, text] : felder) {
-        if (z.size() < spalte - 1 + text.size())
-            z.resize(spalte - 1 + text.size(), ' ');
-        z.replace(spalte - 1, text.size(), text);
-    }
-    return z;
-}
-
-std::string Ziffern(long long wert, int breite) {
-    std::string s = std::to_string(wert);
-    return std::string(static_cast<std::size_t>(std::max<int>(0, breite - static_cast<int>(s.size()))), '0') + s;
-}
+using flurix::bench::Satz;
+using flurix::bench::Ziffern;
 
 // About 20 lines per Bestand: two owners with five lines each, two parcels with five lines each.
 long long Erzeugen(const std::filesystem::path& datei, long long zeilenZiel) {

@@ -5,35 +5,11 @@
 #include "core/kataster.hpp"
 #include "core/kataster_datei.hpp"
 #include "import/datenladen.hpp"
-#include "import/wldge_komplett.hpp"
+#include "import/leser.hpp"
 
 #include <ostream>
 
 namespace flurix::cli {
-namespace {
-
-// The readers this version has, writing into `kataster`.
-import::Ladeumgebung LadeumgebungFür(Kataster& kataster, Sitzung& sitzung) {
-    Oberfläche& ui = sitzung.ui;
-    import::Ladeumgebung umgebung;
-    umgebung.leser.wldgeKomplett = [&kataster, &sitzung](const std::filesystem::path& datei,
-                                                        const import::ImportOptionen& optionen) {
-        const import::WldgeKomplettUmgebung ort{sitzung.zustand.arbeitsverzeichnis,
-                                                sitzung.zustand.installation.Spaltenansichten(),
-                                                sitzung.zustand.gewünschteAnsicht};
-        return import::WldgeKomplettLesen(datei, optionen, ort, kataster, sitzung.ui);
-    };
-    umgebung.tabellenZeilen = [&kataster] { return kataster.Zeilenzahl(); };
-    umgebung.tabelleLeeren = [&kataster] { kataster.Leeren(); };
-    umgebung.leser.tabelle = [&kataster, &ui](const std::filesystem::path& datei) {
-        KatasterLaden(kataster, datei);
-        ui.Status(1, std::to_string(kataster.Zeilenzahl()) + " Zeilen eingelesen  ");
-        return Ergebnis::Ok();
-    };
-    return umgebung;
-}
-
-} // namespace
 
 int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
                  const Umgebung& umgebung) {
@@ -63,6 +39,11 @@ int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, s
     // Several files are Web-XML extracts; the dispatch refuses them for any other kind.
     if (auftrag.dateien.size() > 1 && auftrag.art == import::Eingabeart::Xml)
         auftrag.art = import::Eingabeart::WebXml;
+    if (args->Hat("--anfuegen") && auftrag.art != import::Eingabeart::WebXml &&
+        auftrag.art != import::Eingabeart::Xml) {
+        fehler << "flurix import: --anfuegen gilt nur für Web-XML-Dateien.\n";
+        return 2;
+    }
 
     Sitzung sitzung(umgebung, fehler);
     if (!sitzung.Starten(""))
@@ -77,7 +58,11 @@ int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, s
         fehler << e.what() << '\n';
         return sitzung.Beenden(1);
     }
-    import::Ladeumgebung ladeumgebung = LadeumgebungFür(kataster, sitzung);
+    import::Ladeumgebung ladeumgebung;
+    const import::LeserOrt ort{sitzung.zustand.arbeitsverzeichnis,
+                               sitzung.zustand.installation.Spaltenansichten(),
+                               sitzung.zustand.gewünschteAnsicht, args->Hat("--anfuegen")};
+    import::LeserEintragen(ladeumgebung, kataster, sitzung.ui, ort);
     auto& optionen = ladeumgebung.optionen;
     optionen.albKomplett = args->Hat("--komplett");
     optionen.alleEigentümerInEinerZeile = args->Hat("--alle-eigentuemer-in-einer-zeile");

@@ -21,8 +21,14 @@ const std::vector<Befehl>& Befehle() {
          "  --alle-eigentuemer-in-einer-zeile   alle Eigentümer je Flurstück eine Datenzeile\n"
          "  --name-umdrehen   [Name, Vorname] in [Vorname Name] ändern\n"
          "  --nutzung-verschluesselt   tatsächliche Nutzung nicht vollständig\n"
-         "  --anfuegen        Web-XML an die vorhandene Tabelle anfügen\n"
-         "  --out <datei>     die Tabelle schreiben (.tsv, .fil)\n",
+         "  --anfuegen        Web-XML an die Tabelle aus --out anfügen (nur .xml)\n"
+         "  --out <datei>     die Tabelle schreiben (.tsv, .fil)\n"
+         "  Mehrere .xml-Dateien sind Web-XML-Auszüge und werden in einem Lauf eingelesen.\n"
+         "  Fragen werden so beantwortet, dass der Lauf weitergeht, und stehen auf stderr:\n"
+         "  \"Es werden <n> ausgewählte XML-Dateien eingelesen! Weiter?\" mit Ja; mit --anfuegen\n"
+         "  und einer vorhandenen --out-Tabelle \"Sollen die Daten an die vorhandene Datenbank\n"
+         "  angefügt werden?\" mit Ja. Ohne --anfuegen ersetzen die Daten die Tabelle, ohne Frage,\n"
+         "  da die Tabelle leer beginnt.\n",
          BefehlImport},
         {"konfig", "sichert das Konfigurationsverzeichnis als Zip-Archiv oder liest es zurück",
          "Aufruf: flurix konfig sichern <archiv.zip>\n"
@@ -59,6 +65,46 @@ const std::vector<Befehl>& Befehle() {
          "  Ende mit 1, wenn eine Zeile der Liste kein gültiges Format hat: die Meldung steht auf\n"
          "  stderr, die Markierungen bis dahin werden geschrieben.\n",
          BefehlMarkieren},
+        {"export", "schreibt die Tabelle als Text, Excel, XML, Tabelle, Access-Form oder HTML",
+         "Aufruf: flurix export <tabelle> --format <format> --out <datei> [--nur-markierte]\n"
+         "                     [--ansicht <ansicht>]\n"
+         "  Wie \"Speichern unter\" des Hauptfensters; <tabelle> ist eine .fil oder .tsv.\n"
+         "  --format txt-tab     Text, Spaltentrenner TAB (Windows-1252, CR LF, Überschriften in\n"
+         "                       der ersten Zeile, ein Trenner auch hinter dem letzten Feld)\n"
+         "           txt-dollar  dasselbe mit \"$\" als Trenner\n"
+         "           xlsx        Excel-Arbeitsmappe, alle Spalten als Text\n"
+         "           xml         XML-Dokument (Aufbau: README.md, \"XML-Export\")\n"
+         "           fil         gespeicherte Tabelle: alle Zeilen und Spalten\n"
+         "           sqlite      Access-Form: SQLite-Datenbank mit der Tabelle ACCESS\n"
+         "           html        Bericht \"DataGrid Report\": alle Zeilen, sichtbare Spalten\n"
+         "           tsv         Maschinenform: alle Zeilen und Spalten\n"
+         "           geograf     GEOgraf-Stapeldatei (in dieser Version noch nicht verfügbar)\n"
+         "  --out <datei>        genau diese Datei wird geschrieben (kein Abschneiden am ersten\n"
+         "                       Punkt wie im Dialog); ihr Pfad steht danach auf stdout\n"
+         "  --nur-markierte      nur die markierten Zeilen (checkdruck) statt aller; fil, tsv und\n"
+         "                       html schreiben immer alle Zeilen\n"
+         "  --ansicht <ansicht>  die Spaltenansicht aus ALB_DatenbankSpalten.dat anwenden; sonst\n"
+         "                       gelten Sichtbarkeit und Reihenfolge der Spalten aus der Tabelle\n"
+         "  Ohne Fenster wird jede Frage mit Ja beantwortet: eine vorhandene Datei wird ersetzt,\n"
+         "  \"alle sichtbaren Datenspalten\" und \"alle selektierten Datenzeilen\" werden\n"
+         "  ausgegeben. Fragen und Meldungen stehen auf stderr. Ende mit 1, wenn nichts\n"
+         "  geschrieben wurde (leere Tabelle, Ordner nicht beschreibbar, Datei in Bearbeitung).\n",
+         BefehlExport},
+        {"auszug", "schreibt den Auszug aus dem Liegenschaftskataster eines Flurstücks (PDF)",
+         "Aufruf: flurix auszug <tabelle> (--zeile <n> | --fkz <kennzeichen>) [--out <datei.pdf>]\n"
+         "  Wie der Knopf \"ALB-Auszug\": Flurstücks- und Eigentümernachweis des Flurstücks der\n"
+         "  Zeile, mit allen Eigentümern (Zeilen mit demselben Flurstückskennzeichen, sonst mit\n"
+         "  gleichem Gemarkungsschlüssel, Flur und Flurstück), vom ersten Eigentümer an.\n"
+         "  --zeile <n>       die n-te Zeile der Tabelle, von 1 an gezählt\n"
+         "  --fkz <kennz.>    die erste Zeile mit diesem Flurstückskennzeichen\n"
+         "  --out <datei>     genau diese Datei schreiben; ohne --out steht der Auszug als\n"
+         "                    ALB-<Gemarkungsschlüssel>-<Flur>-<Flurstück>.pdf im\n"
+         "                    Arbeitsverzeichnis, und sein Pfad steht auf stdout\n"
+         "  --titel <text>    Programmtitel in Fußzeile und /Producer statt \"Flurix V...\"\n"
+         "  SOURCE_DATE_EPOCH=<sekunden> legt Erstellungsdatum und \"Datum\" fest (UTC), damit\n"
+         "  zwei Läufe dieselben Bytes schreiben. Ende mit 1, wenn die Mehrfacheigentümer falsch\n"
+         "  sortiert sind: die Meldung steht auf stderr, die Datei enthält, was bis dahin steht.\n",
+         BefehlAuszug},
     };
     return befehle;
 }

@@ -15,7 +15,8 @@ void KatasterSpeichern(const Kataster& kataster, const std::filesystem::path& da
 
 /// Replaces the table by the one in the file (format by extension). Columns come back with their
 /// header, width, visibility and place; `checkdruck` is a check box column again. Throws Fehler
-/// naming the file and line when it can't be read; the table is then left empty.
+/// naming the file and line when it can't be read; the table is then left as it was (the file is
+/// read into a table of its own, which replaces the caller's only when it is whole).
 void KatasterLaden(Kataster& kataster, const std::filesystem::path& datei);
 
 } // namespace flurix

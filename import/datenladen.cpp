@@ -52,15 +52,16 @@ Ergebnis NasÜbergeben(const std::filesystem::path& datei, Ladeumgebung& umgebun
     return Übergeben(umgebung.leser.nasFenster, "Der NAS-Arbeitsbereich", ui, datei);
 }
 
-// A saved table or an extract is about to replace the grid.
+// A saved table or an extract is about to replace the grid. A saved table is read into a table
+// of its own and replaces the grid only when it was read whole, so the grid is not emptied for it.
 bool TabelleErsetzenDürfen(const std::filesystem::path& datei, Ladeumgebung& umgebung,
-                           Oberfläche& ui) {
+                           Oberfläche& ui, bool leeren = true) {
     if (umgebung.tabellenZeilen && umgebung.tabellenZeilen() > 0) {
         const Fragestellung frage{"Soll die vorhandene Datenbank überschrieben werden?   ",
                                   ProduktTitel, Knöpfe::JaNein, Antwort::Ja, Antwort::Ja};
         if (ui.Frage(frage) != Antwort::Ja)
             return false;
-        if (umgebung.tabelleLeeren)
+        if (leeren && umgebung.tabelleLeeren)
             umgebung.tabelleLeeren();
     }
     ui.Status(1, datei.filename().string());
@@ -143,7 +144,7 @@ Ergebnis Verteilen(const Ladeauftrag& auftrag, Ladeumgebung& umgebung, Oberfläc
         return Übergeben(umgebung.leser.fkzListe, "Die Flurstückssuche über eine FKZ-Liste", ui,
                          datei);
     case Eingabeart::Tabelle:
-        if (!TabelleErsetzenDürfen(datei, umgebung, ui))
+        if (!TabelleErsetzenDürfen(datei, umgebung, ui, false))
             return Ergebnis::Abbruch();
         return Übergeben(umgebung.leser.tabelle, "Das Einlesen gespeicherter Tabellen", ui, datei);
     case Eingabeart::Wldge:

@@ -239,14 +239,7 @@ private:
     }
 
     std::string Name(const std::string& text) const {
-        const auto stücke = Teilen(text, ',');
-        if (stücke.size() < 4)
-            return std::string(TrimmeLeerzeichen(text));
-        const auto stück = [&](std::size_t i) { return std::string(TrimmeLeerzeichen(stücke[i])); };
-        const std::string name = m_optionen.nameUmdrehen
-                                     ? stück(3) + " " + stück(1) + " " + stück(0)
-                                     : stück(3) + " " + stück(0) + ", " + stück(1);
-        return std::string(TrimmeLeerzeichen(name));
+        return NameAusStücken(text, m_optionen.nameUmdrehen);
     }
 
     void NeuerEigentümer(std::string_view zeile, const std::string& bestandKey) {

@@ -3,6 +3,8 @@
 #include "core/cp1252.hpp"
 #include "core/einstellungen.hpp"
 
+#include "core/text.hpp"
+
 #include <charconv>
 
 namespace flurix::import {
@@ -34,5 +36,22 @@ long long FeldZahl(std::string_view text) {
 }
 
 std::string ZahlOhneNullen(std::string_view text) { return std::to_string(FeldZahl(text)); }
+
+std::string_view FeldRoh(std::string_view zeile, std::size_t von, std::size_t bis) {
+    if (von < 1 || bis < von || von > zeile.size())
+        return {};
+    return zeile.substr(von - 1, bis == std::string_view::npos ? bis : bis - von + 1);
+}
+
+std::string NameAusStücken(std::string_view text, bool umdrehen) {
+    const auto stücke = Teilen(text, ',');
+    if (stücke.size() < 4)
+        return std::string(TrimmeLeerzeichen(text));
+    const auto stück = [&](std::size_t i) { return std::string(TrimmeLeerzeichen(stücke[i])); };
+    const std::string name = umdrehen ? stück(3) + " " + stück(1) + " " + stück(0)
+                                      : stück(3) + " " + stück(0) + ", " + stück(1);
+    // No title leaves no leading blank.
+    return std::string(TrimmeLeerzeichen(name));
+}
 
 } // namespace flurix::import

@@ -22,4 +22,14 @@ long long FeldZahl(std::string_view text);
 /// A number as text without leading zeros ("0" for zero).
 std::string ZahlOhneNullen(std::string_view text);
 
+/// Columns `von` to `bis` (1-based, both included) as the raw 1252 bytes, for texts that are worked
+/// on before they are turned into UTF-8. Columns past the end of the line are empty.
+std::string_view FeldRoh(std::string_view zeile, std::size_t von,
+                         std::size_t bis = std::string_view::npos);
+
+/// An owner's name of the register split at ",": with four or more pieces (surname, first name,
+/// -, title) it becomes "title surname, first name", or with `umdrehen` "title first name
+/// surname"; with fewer pieces the whole text, trimmed. Never fails.
+std::string NameAusStücken(std::string_view text, bool umdrehen);
+
 } // namespace flurix::import

@@ -5,6 +5,7 @@
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
 #include "import/datenladen.hpp"
+#include "wldge_satz_bauer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,34 +14,9 @@
 namespace flurix::import {
 namespace {
 
-// One WLDGE line: fields are placed at their 1-based columns into a line of blanks.
-class Satz {
-public:
-    Satz(char block, std::string_view schlüssel, char art) : m_zeile(140, ' ') {
-        m_zeile[0] = block;
-        Setze(2, schlüssel);
-        m_zeile[26] = art;
-    }
-    Satz& Setze(std::size_t spalte, std::string_view text) {
-        const std::string roh = Utf8NachCp1252(text);
-        if (m_zeile.size() < spalte - 1 + roh.size())
-            m_zeile.resize(spalte - 1 + roh.size(), ' ');
-        m_zeile.replace(spalte - 1, roh.size(), roh);
-        return *this;
-    }
-    std::string Text() const {
-        std::string z = m_zeile;
-        z.erase(z.find_last_not_of(' ') + 1);
-        return z;
-    }
-
-private:
-    std::string m_zeile;
-};
-
-std::string Kopf(std::string_view format) {
-    return Satz('1', "05", ' ').Setze(27, "E   01").Setze(34, format).Text();
-}
+using test::Datei;
+using test::Kopf;
+using test::Satz;
 
 // Owner lines of block 2: a new owner with its name, birth date, street and town.
 std::vector<std::string> Eigentümer(std::string_view bestand, std::string_view position,
@@ -70,13 +46,6 @@ std::string Buchung(std::string_view zähler, std::string_view blatt, std::strin
         .Setze(47, bvnr)
         .Setze(56, "1")
         .Text();
-}
-
-std::string Datei(const std::vector<std::string>& zeilen) {
-    std::string text;
-    for (const auto& z : zeilen)
-        text += z + "\r\n";
-    return text;
 }
 
 class WldgeKomplettTest : public ::testing::Test {
