@@ -71,12 +71,8 @@ int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, s
     if (!sitzung.Starten(""))
         return 1;
     Kataster kataster;
-    try {
-        KatasterLaden(kataster, args->positionen.front());
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
+    if (!sitzung.TabelleLaden(kataster, args->positionen.front()))
         return sitzung.Beenden(1);
-    }
     if (const auto ansicht = args->Wert("--ansicht")) {
         const auto datei = sitzung.zustand.installation.Spaltenansichten();
         if (!ComboColVis(kataster, *ansicht, datei)) {

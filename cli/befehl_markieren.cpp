@@ -28,12 +28,8 @@ int BefehlMarkieren(const std::vector<std::string>& argumente, std::ostream&, st
     if (!sitzung.Starten(""))
         return 1;
     Kataster kataster;
-    try {
-        KatasterLaden(kataster, args->positionen.front());
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
+    if (!sitzung.TabelleLaden(kataster, args->positionen.front()))
         return sitzung.Beenden(1);
-    }
     // The message of a failed list has been written; the marks set up to there are kept, as in
     // the main window, so the table is written all the same.
     const Listenergebnis ergebnis = DbMarkierungLaden(kataster, *liste, sitzung.ui);

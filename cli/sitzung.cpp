@@ -1,5 +1,7 @@
 #include "cli/sitzung.hpp"
 
+#include "core/kataster_datei.hpp"
+
 namespace flurix::cli {
 
 Sitzung::Sitzung(const Umgebung& umgebung, std::ostream& fehler)
@@ -9,6 +11,16 @@ Sitzung::Sitzung(const Umgebung& umgebung, std::ostream& fehler)
 
 bool Sitzung::Starten(std::string_view kommandozeile) {
     return Programmstart(zustand, kommandozeile, format, ui).status() != Ergebnis::Status::Beenden;
+}
+
+bool Sitzung::TabelleLaden(Kataster& kataster, const std::filesystem::path& datei) {
+    try {
+        KatasterLaden(kataster, datei);
+        return true;
+    } catch (const Fehler& f) {
+        ui.Meldung(f.what(), ProduktTitel, Stil::Fehler);
+        return false;
+    }
 }
 
 int Sitzung::Beenden(int code) {

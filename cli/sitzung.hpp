@@ -5,6 +5,12 @@
 #include "core/oberflaeche_batch.hpp"
 #include "core/programm.hpp"
 
+#include <filesystem>
+
+namespace flurix {
+class Kataster;
+}
+
 namespace flurix::cli {
 
 class Sitzung {
@@ -15,6 +21,9 @@ public:
     /// The start-up of the program with this command line; false when the process must end
     /// (the message has been written).
     bool Starten(std::string_view kommandozeile);
+    /// Loads a table file (.fil, .tsv) into `kataster`; false when it can't be read (the message
+    /// has been written, `kataster` is left as it was).
+    bool TabelleLaden(Kataster& kataster, const std::filesystem::path& datei);
     /// The end of the run, without a question; returns `code`.
     int Beenden(int code);
 
