@@ -1,8 +1,11 @@
 #include "gui/form_datenbank.hpp"
 
+#include "core/katalog.hpp"
+#include "core/spaltenansicht.hpp"
 #include "gui/dateifilter.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
 #include "gui/form_optionen_system.hpp"
+#include "gui/kataster_modell.hpp"
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
 
@@ -10,10 +13,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QFileDialog>
-#include <QHeaderView>
 #include <QKeySequence>
 #include <QLabel>
+#include <QMenu>
 #include <QProgressBar>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -21,6 +25,7 @@
 #include <QTableView>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 
 namespace flurix::gui {
 namespace {
@@ -38,9 +43,15 @@ std::filesystem::path Benutzerordner() {
 
 FormDatenbank::FormDatenbank(Programmzustand& zustand, Zahlenformat& format, QtOberfläche& ui,
                              QWidget* eltern)
-    : QMainWindow(eltern), m_zustand(zustand), m_format(format), m_ui(ui) {
+    : QMainWindow(eltern), m_zustand(zustand), m_format(format), m_ui(ui),
+      m_benutzerordner(Benutzerordner()),
+      m_dateiÖffnen([](const QUrl& adresse) { return QDesktopServices::openUrl(adresse); }) {
     setObjectName(QStringLiteral("FormDatenbank"));
     setWindowTitle(QText(FensterTitel()));
+    // The empty table has the catalogue's columns, so that the grid shows the chosen view's header.
+    SpaltenAnlegen(m_kataster);
+    ComboColVis(m_kataster, m_zustand.gewünschteAnsicht, m_zustand.installation.Spaltenansichten());
+    m_modell = new KatasterModell(m_kataster, m_nummerierung, m_ui, this);
     BedienelementeAnlegen();
     StatusleisteAnlegen();
     m_ui.FensterSetzen(this);
@@ -50,6 +61,14 @@ FormDatenbank::FormDatenbank(Programmzustand& zustand, Zahlenformat& format, QtO
 
 FormDatenbank::~FormDatenbank() = default;
 
+QAction* FormDatenbank::Befehl(const QString& name, QStyle::StandardPixmap symbol,
+                               const QString& text, const QString& tipp) {
+    QAction* aktion = m_werkzeugleiste->addAction(style()->standardIcon(symbol), text);
+    aktion->setObjectName(name);
+    aktion->setToolTip(tipp);
+    return aktion;
+}
+
 void FormDatenbank::BedienelementeAnlegen() {
     m_werkzeugleiste = addToolBar(QStringLiteral("Werkzeugleiste"));
     m_werkzeugleiste->setObjectName(QStringLiteral("Toolbar1"));
@@ -58,20 +77,13 @@ void FormDatenbank::BedienelementeAnlegen() {
     // The style's icons come in 16 and 32 pixels; between them some would stay small.
     m_werkzeugleiste->setIconSize(QSize(32, 32));
 
-    const auto befehl = [this](const QString& name, QStyle::StandardPixmap symbol,
-                               const QString& text, const QString& tipp) {
-        QAction* aktion = m_werkzeugleiste->addAction(style()->standardIcon(symbol), text);
-        aktion->setObjectName(name);
-        aktion->setToolTip(tipp);
-        return aktion;
-    };
     QAction* öffnen =
-        befehl(QStringLiteral("btnDbÖffnen"), QStyle::SP_DialogOpenButton, QStringLiteral("Öffnen"),
+        Befehl(QStringLiteral("btnDbÖffnen"), QStyle::SP_DialogOpenButton, QStringLiteral("Öffnen"),
                QStringLiteral("Daten einlesen: WLDGE, Flurix-Tabelle, Web-XML, "
                               "NAS, FKZ-Liste"));
     öffnen->setShortcut(QKeySequence::Open);
     QAction* system =
-        befehl(QStringLiteral("btnOptSystem"), QStyle::SP_DialogSaveButton,
+        Befehl(QStringLiteral("btnOptSystem"), QStyle::SP_DialogSaveButton,
                QStringLiteral("System"), QStringLiteral("Systemsicherung und Systemdateien"));
     m_werkzeugleiste->addSeparator();
 
@@ -86,23 +98,121 @@ void FormDatenbank::BedienelementeAnlegen() {
     m_spaltenansicht->setCurrentIndex(
         static_cast<int>(m_spaltenansicht->findText(QText(m_zustand.gewünschteAnsicht))));
     m_werkzeugleiste->addWidget(m_spaltenansicht);
+    m_werkzeugleiste->addSeparator();
+
+    MarkierungsgruppeAnlegen();
+    QAction* stempelPlus = Befehl(
+        QStringLiteral("btnStempelPlus"), QStyle::SP_BrowserReload, QStringLiteral("Zahlenformat"),
+        QStringLiteral("Flur, Flurstück, Fläche, Grundbuchblatt und BVNR ohne führende Nullen"));
+    WerkzeugeAnlegen();
 
     auto* abstand = new QWidget(m_werkzeugleiste);
     abstand->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_werkzeugleiste->addWidget(abstand);
-    QAction* beenden = befehl(QStringLiteral("btnBeenden"), QStyle::SP_DialogCloseButton,
+    QAction* beenden = Befehl(QStringLiteral("btnBeenden"), QStyle::SP_DialogCloseButton,
                               QStringLiteral("Beenden"), QStringLiteral("Flurix beenden"));
 
     connect(öffnen, &QAction::triggered, this, [this] { DbOeffnen(); });
     connect(system, &QAction::triggered, this, [this] { OptSystem(); });
+    connect(stempelPlus, &QAction::triggered, this, [this] { StempelPlus(); });
     connect(beenden, &QAction::triggered, this, [this] { BeendenKlick(); });
+    connect(m_spaltenansicht, &QComboBox::currentTextChanged, this,
+            [this](const QString& ansicht) { SpaltenansichtAnwenden(Utf8(ansicht)); });
 
-    // The table: the model over the cadastre table is set when it is loaded.
-    m_tabelle = new QTableView(this);
-    m_tabelle->setObjectName(QStringLiteral("GridFlurix"));
-    m_tabelle->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_tabelle->horizontalHeader()->setHighlightSections(false);
-    setCentralWidget(m_tabelle);
+    addToolBarBreak();
+    m_suchleiste = SuchleisteAnlegen();
+    addToolBar(m_suchleiste);
+    TabelleAnlegen();
+}
+
+QToolButton* FormDatenbank::Gruppenknopf(const QString& name, QStyle::StandardPixmap symbol,
+                                         const QString& text, const QString& tipp) {
+    auto* knopf = new QToolButton(m_werkzeugleiste);
+    knopf->setObjectName(name);
+    knopf->setIcon(style()->standardIcon(symbol));
+    knopf->setText(text);
+    knopf->setToolTip(tipp);
+    knopf->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    knopf->setPopupMode(QToolButton::InstantPopup);
+    knopf->setMenu(new QMenu(knopf));
+    m_werkzeugleiste->addWidget(knopf);
+    return knopf;
+}
+
+void FormDatenbank::MarkierungsgruppeAnlegen() {
+    QMenu* menü = Gruppenknopf(QStringLiteral("btnMarkierung"), QStyle::SP_DialogApplyButton,
+                               QStringLiteral("Markierung"),
+                               QStringLiteral("Markierungen setzen, löschen, laden und speichern"))
+                      ->menu();
+    struct Eintrag {
+        const char* name;
+        const char* text;
+        void (FormDatenbank::*aktion)();
+    };
+    static constexpr std::array<Eintrag, 8> einträge{{
+        {"btnDbMarkierungErzeugen", "Auswahl markieren", &FormDatenbank::MarkierungErzeugen},
+        {"btnDbFlurstückMarkieren", "alle Eigentümerzeilen der gewählten Flurstücke markieren",
+         &FormDatenbank::FlurstückMarkieren},
+        {"btnDbMarkierungAlle", "alle Zeilen markieren", &FormDatenbank::MarkierungAlle},
+        {"btnDbMarkerErzeugen", "Marker für die Karte erzeugen", &FormDatenbank::MarkerErzeugen},
+        {"btnDbMarkierungLöschen", "alle Markierungen und Marker löschen",
+         &FormDatenbank::MarkierungLöschen},
+        {"btnDbMarkierungLaden", "Flurstücksliste laden und markieren …",
+         &FormDatenbank::MarkierungLaden},
+        {"btnDbMarkierungSpeichern", "Markierte als Flurstücksliste speichern …",
+         &FormDatenbank::MarkierungSpeichern},
+        {"btnDbEigentümerGGStempel", "Stempelnummern für den amtlichen Lageplan",
+         &FormDatenbank::EigentümerGGStempel},
+    }};
+    for (const Eintrag& e : einträge) {
+        if (e.aktion == &FormDatenbank::MarkierungLaden ||
+            e.aktion == &FormDatenbank::EigentümerGGStempel)
+            menü->addSeparator();
+        QAction* aktion = menü->addAction(QString::fromUtf8(e.text));
+        aktion->setObjectName(QString::fromUtf8(e.name));
+        connect(aktion, &QAction::triggered, this, [this, f = e.aktion] { (this->*f)(); });
+    }
+}
+
+void FormDatenbank::WerkzeugeAnlegen() {
+    QMenu* menü = Gruppenknopf(QStringLiteral("btnTools"), QStyle::SP_FileDialogDetailedView,
+                               QStringLiteral("Extras"),
+                               QStringLiteral("Bearbeiten, Sortierung und Spalten der Tabelle"))
+                      ->menu();
+    const auto schalter = [&](const QString& name, const QString& text) {
+        QAction* aktion = menü->addAction(text);
+        aktion->setObjectName(name);
+        aktion->setCheckable(true);
+        return aktion;
+    };
+    m_entsperren = schalter(QStringLiteral("btnEntsperren"), QStringLiteral("Tabelle entsperren"));
+    m_nachfragen =
+        schalter(QStringLiteral("btnÄnderungNachfragen"), QStringLiteral("Änderungen nachfragen"));
+    m_mehrfachsortierung =
+        schalter(QStringLiteral("btnMehrfachsortierung"), QStringLiteral("Mehrfachsortierung"));
+    menü->addSeparator();
+    const auto befehl = [&](const QString& name, const QString& text, void (FormDatenbank::*f)()) {
+        QAction* aktion = menü->addAction(text);
+        aktion->setObjectName(name);
+        connect(aktion, &QAction::triggered, this, [this, f] { (this->*f)(); });
+    };
+    befehl(QStringLiteral("ALBDatenAnsichtManuell"), QStringLiteral("Spalten auswählen …"),
+           &FormDatenbank::AnsichtManuell);
+    befehl(QStringLiteral("ALBDatenSpalteEdit"), QStringLiteral("Spaltenansichten bearbeiten …"),
+           &FormDatenbank::AnsichtsdateiBearbeiten);
+    befehl(QStringLiteral("ALBDatenSpalteNeu"), QStringLiteral("Spaltenansichten neu einlesen"),
+           &FormDatenbank::AnsichtenNeuLesen);
+
+    connect(m_entsperren, &QAction::toggled, this,
+            [this](bool an) { m_modell->EntsperrtSetzen(an); });
+    connect(m_nachfragen, &QAction::toggled, this,
+            [this](bool an) { m_modell->NachfragenSetzen(an); });
+    connect(m_mehrfachsortierung, &QAction::toggled, this, [this](bool) {
+        // Each multi-sort starts with an empty list.
+        m_sortierliste.Leeren();
+        m_einzelsortierung.clear();
+        SortierungZeigen();
+    });
 }
 
 void FormDatenbank::StatusleisteAnlegen() {
@@ -132,6 +242,7 @@ QLabel* FormDatenbank::StatusPanel(int panel) const {
 }
 
 void FormDatenbank::Starten() {
+    SpaltenbreitenWiederherstellen();
     const Auftrag& auftrag = m_zustand.auftrag;
     if (!auftrag.StillModus && !auftrag.MapModus)
         show();
@@ -212,9 +323,13 @@ import::Ladeumgebung FormDatenbank::LadeumgebungAnlegen(){import::Ladeumgebung u
 umgebung.optionenDialog = [this](import::ImportOptionen& optionen) {
     return FormDatenbankDarstellung::Bearbeiten(optionen, this);
 };
-// The table model comes with the cadastre table; until then the table is always empty.
-umgebung.tabellenZeilen = [] { return std::size_t{0}; };
-umgebung.tabelleLeeren = [] {};
+umgebung.optionen = m_optionen;
+umgebung.leser.tabelle = [this](const std::filesystem::path& datei) { return TabelleLaden(datei); };
+umgebung.tabellenZeilen = [this] { return m_kataster.Zeilenzahl(); };
+umgebung.tabelleLeeren = [this] {
+    SpaltenbreitenSichern();
+    Umbauen([this] { m_kataster.ZeilenLeeren(); });
+};
 return umgebung;
 } // namespace flurix::gui
 
@@ -222,6 +337,8 @@ Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
     Sperren(true);
     import::Ladeumgebung umgebung = LadeumgebungAnlegen();
     Ergebnis ergebnis = import::ALBDatenLaden(auftrag, umgebung, m_ui);
+    // What the options dialog chose holds for the search and the next load of this run.
+    m_optionen = umgebung.optionen;
     Sperren(false);
     return ergebnis;
 }
@@ -229,6 +346,7 @@ Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
 void FormDatenbank::Sperren(bool gesperrt) {
     m_beschaeftigt = gesperrt;
     m_werkzeugleiste->setEnabled(!gesperrt);
+    m_suchleiste->setEnabled(!gesperrt);
     m_tabelle->setEnabled(!gesperrt);
 }
 
@@ -236,7 +354,8 @@ bool FormDatenbank::BeendenKlick(int exitcode) {
     if (m_beendet)
         return true;
     Beendenumgebung umgebung;
-    umgebung.benutzerordner = Benutzerordner();
+    umgebung.benutzerordner = m_benutzerordner;
+    umgebung.spaltenbreiten = Spaltenbreiten();
     const Ergebnis ergebnis = Beenden(m_zustand, m_format, m_ui, umgebung);
     if (ergebnis.status() == Ergebnis::Status::Abgebrochen)
         return false;

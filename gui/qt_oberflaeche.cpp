@@ -190,8 +190,11 @@ Antwort QtOberfläche::Frage(const Fragestellung& frage) {
 void QtOberfläche::Status(int panel, std::string_view text) {
     if (panel < 1 || panel > static_cast<int>(m_panels.size()))
         return;
-    if (QLabel* label = m_panels[static_cast<std::size_t>(panel - 1)])
+    if (QLabel* label = m_panels[static_cast<std::size_t>(panel - 1)]) {
         label->setText(QText(text));
+        // A panel is narrower than a long text (a path): the tooltip shows it whole.
+        label->setToolTip(label->text());
+    }
     Zeichnen();
 }
 

@@ -4,13 +4,13 @@
 
 #include "core/oberflaeche_skript.hpp"
 #include "core/programm.hpp"
-#include "gemeinsam/testumgebung.hpp"
 #include "gui/dateifilter.hpp"
 #include "gui/form_datenbank.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
 #include "gui/form_optionen_system.hpp"
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
+#include "gui_testhilfen.hpp"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -38,108 +38,14 @@
 namespace flurix::gui {
 namespace {
 
+using test::Beantworter;
+using test::Box;
+using test::Hauptfenster;
+using test::Panel;
 using test::TempOrdner;
-
-// One QApplication for the whole test program, made before the first test and deleted after the
-// last one: deleted by a static destructor, it would outlive Qt's own statics and crash on exit.
-class QtUmgebung : public ::testing::Environment {
-public:
-    void SetUp() override {
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-            qputenv("QT_QPA_PLATFORM", "offscreen");
-        m_app = std::make_unique<QApplication>(m_argc, m_argv.data());
-    }
-    void TearDown() override { m_app.reset(); }
-
-private:
-    int m_argc = 1;
-    char m_name[9] = "test_gui";
-    std::array<char*, 2> m_argv{m_name, nullptr};
-    std::unique_ptr<QApplication> m_app;
-};
-
-[[maybe_unused]] const ::testing::Environment* const qtUmgebung =
-    ::testing::AddGlobalTestEnvironment(new QtUmgebung);
+using test::Warten;
 
 using GuiTest = ::testing::Test;
-
-/// What a message box showed before it was answered.
-struct Box {
-    QString titel;
-    QString text;
-    QMessageBox::Icon symbol = QMessageBox::NoIcon;
-    QMessageBox::StandardButtons knöpfe;
-    QMessageBox::StandardButton vorgabe = QMessageBox::NoButton;
-    QStringList beschriftungen; ///< of its buttons Yes, No, Cancel, Ok, in that order
-};
-
-/// Answers every message box that opens while it lives: notes what it shows and clicks the button
-/// `wahl` names (the default button when `wahl` is NoButton).
-class Beantworter {
-public:
-    explicit Beantworter(QMessageBox::StandardButton wahl = QMessageBox::NoButton) : m_wahl(wahl) {
-        m_zeitgeber.setInterval(5);
-        QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] { Antworten(); });
-        m_zeitgeber.start();
-    }
-    std::vector<Box> boxen;
-
-private:
-    void Antworten() {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box || !box->isVisible())
-            return;
-        QAbstractButton* vorgabe = box->defaultButton();
-        QStringList beschriftungen;
-        for (const auto knopf :
-             {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel, QMessageBox::Ok})
-            if (QAbstractButton* k = box->button(knopf))
-                beschriftungen << k->text();
-        boxen.push_back({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
-                         vorgabe ? box->standardButton(vorgabe) : QMessageBox::NoButton,
-                         beschriftungen});
-        QAbstractButton* knopf = m_wahl == QMessageBox::NoButton ? vorgabe : box->button(m_wahl);
-        if (!knopf) {
-            ADD_FAILURE() << "the box has no such button: " << Utf8(box->text());
-            box->reject();
-            return;
-        }
-        knopf->click();
-    }
-
-    QMessageBox::StandardButton m_wahl;
-    QTimer m_zeitgeber;
-};
-
-/// Runs the event loop until `fertig` holds or two seconds have passed.
-void Warten(const std::function<bool()>& fertig) {
-    for (int i = 0; i < 400 && !fertig(); ++i) {
-        QEventLoop schleife;
-        QTimer::singleShot(5, &schleife, &QEventLoop::quit);
-        schleife.exec();
-    }
-}
-
-/// A main window over an installation in a scratch folder.
-struct Hauptfenster {
-    TempOrdner ordner;
-    Programmzustand zustand{Installation{ordner.pfad()}};
-    ProzessZahlenformat format;
-    QtOberfläche ui;
-    std::optional<int> exitcode;
-    FormDatenbank fenster{zustand, format, ui};
-
-    Hauptfenster() {
-        zustand.arbeitsverzeichnis = ordner / "arbeit";
-        std::filesystem::create_directories(zustand.arbeitsverzeichnis);
-        fenster.ProgrammEndeSetzen([this](int code) { exitcode = code; });
-    }
-};
-
-QString Panel(const FormDatenbank& fenster, int nummer) {
-    const auto* label = fenster.statusBar()->findChild<QLabel*>(QString::number(nummer));
-    return label ? label->text() : QStringLiteral("<fehlt>");
-}
 
 TEST_F(GuiTest, FensterTitelNenntVersionUndRevision) {
     Hauptfenster h;
@@ -174,6 +80,8 @@ TEST_F(GuiTest, StatusSchreibtNurDasGenanntePanelAlsUtf8) {
     EXPECT_EQ(Panel(h.fenster, 4), QString());
     EXPECT_EQ(Panel(h.fenster, 5), QString());
     EXPECT_EQ(Panel(h.fenster, 6), QStringLiteral("Flurstück 5"));
+    // A text wider than its panel can be read whole in the tooltip.
+    EXPECT_EQ(h.fenster.StatusPanel(3)->toolTip(), QStringLiteral("12 Mbyte UNIX-Prüfung  "));
 }
 
 TEST_F(GuiTest, FortschrittZeigtBalkenUndVerbirgtIhnAmEnde) {
@@ -353,10 +261,11 @@ template <typename T> T* Element(const QWidget& dialog, const char* name) {
     return element;
 }
 
-import::ImportOptionen OptionenFür(const char* format){import::ImportOptionen optionen;
-optionen.importFormat = format;
-return optionen;
-} // namespace
+import::ImportOptionen OptionenFür(const char* format) {
+    import::ImportOptionen optionen;
+    optionen.importFormat = format;
+    return optionen;
+}
 
 TEST_F(GuiTest, OptionenDialogZeigtBeschriftungenUndTooltips) {
     FormDatenbankDarstellung dialog(OptionenFür("32"));
@@ -594,5 +503,5 @@ TEST_F(GuiTest, SystemsicherungZeigtIhrErgebnisImDialog) {
     EXPECT_EQ(dialog.Zustand(), QStringLiteral("Fehler beim Zip-Datei öffnen!"));
 }
 
-} // namespace flurix::gui
+} // namespace
 } // namespace flurix::gui

@@ -1,0 +1,105 @@
+#include "gui_testhilfen.hpp"
+
+#include "gui/qt_text.hpp"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QEventLoop>
+#include <QLabel>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QStatusBar>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+
+namespace flurix::test {
+namespace {
+
+// One QApplication for the whole test program, made before the first test and deleted after the
+// last one: deleted by a static destructor, it would outlive Qt's own statics and crash on exit.
+class QtUmgebung : public ::testing::Environment {
+public:
+    void SetUp() override {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Whatever a window saves for the user goes to Qt's test folders, not the user's own.
+        QStandardPaths::setTestModeEnabled(true);
+        m_app = std::make_unique<QApplication>(m_argc, m_argv.data());
+    }
+    void TearDown() override { m_app.reset(); }
+
+private:
+    int m_argc = 1;
+    char m_name[9] = "test_gui";
+    std::array<char*, 2> m_argv{m_name, nullptr};
+    std::unique_ptr<QApplication> m_app;
+};
+
+[[maybe_unused]] const ::testing::Environment* const qtUmgebung =
+    ::testing::AddGlobalTestEnvironment(new QtUmgebung);
+
+} // namespace
+
+Beantworter::Beantworter(QMessageBox::StandardButton wahl)
+    : Beantworter(std::vector<QMessageBox::StandardButton>{wahl}) {}
+
+Beantworter::Beantworter(std::vector<QMessageBox::StandardButton> folge)
+    : m_folge(std::move(folge)) {
+    m_zeitgeber.setInterval(5);
+    QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] { Antworten(); });
+    m_zeitgeber.start();
+}
+
+void Beantworter::Antworten() {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box || !box->isVisible())
+        return;
+    QAbstractButton* vorgabe = box->defaultButton();
+    QStringList beschriftungen;
+    for (const auto knopf :
+         {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel, QMessageBox::Ok})
+        if (QAbstractButton* k = box->button(knopf))
+            beschriftungen << k->text();
+    const std::size_t nummer = boxen.size();
+    boxen.push_back({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
+                     vorgabe ? box->standardButton(vorgabe) : QMessageBox::NoButton,
+                     beschriftungen});
+    const QMessageBox::StandardButton wahl =
+        m_folge.empty() ? QMessageBox::NoButton : m_folge[std::min(nummer, m_folge.size() - 1)];
+    QAbstractButton* knopf = wahl == QMessageBox::NoButton ? vorgabe : box->button(wahl);
+    if (!knopf) {
+        ADD_FAILURE() << "the box has no such button: " << gui::Utf8(box->text());
+        box->reject();
+        return;
+    }
+    knopf->click();
+}
+
+void Warten(const std::function<bool()>& fertig) {
+    for (int i = 0; i < 400 && !fertig(); ++i) {
+        QEventLoop schleife;
+        QTimer::singleShot(5, &schleife, &QEventLoop::quit);
+        schleife.exec();
+    }
+}
+
+Hauptfenster::Hauptfenster() {
+    zustand.arbeitsverzeichnis = ordner / "arbeit";
+    std::filesystem::create_directories(zustand.arbeitsverzeichnis);
+    fenster.ProgrammEndeSetzen([this](int code) { exitcode = code; });
+    fenster.BenutzerordnerSetzen(ordner / "benutzer");
+    fenster.DateiÖffnerSetzen([this](const QUrl& adresse) {
+        geöffnet.push_back(adresse);
+        return true;
+    });
+}
+
+QString Panel(const gui::FormDatenbank& fenster, int nummer) {
+    const auto* label = fenster.statusBar()->findChild<QLabel*>(QString::number(nummer));
+    return label ? label->text() : QStringLiteral("<fehlt>");
+}
+
+} // namespace flurix::test
