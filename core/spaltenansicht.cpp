@@ -93,20 +93,23 @@ void SpaltenlisteAnwenden(Kataster& kataster, std::string_view schlüsselliste) 
 
 bool ComboColVis(Kataster& kataster, std::string_view ansicht,
                  const std::filesystem::path& ansichtsdatei) {
-    if (ansicht == AnsichtAlles) {
-        kataster.AlleSpaltenZeigen();
-    } else {
-        const std::string liste = AnsichtSpalten(ansichtsdatei, ansicht);
+    std::string liste;
+    if (ansicht != AnsichtAlles) {
+        liste = AnsichtSpalten(ansichtsdatei, ansicht);
         if (liste.empty())
             return false;
-        SpaltenlisteAnwenden(kataster, liste);
     }
+    // The numbering column is made before the view is applied, so that the view can place it.
+    if (ansicht == AnsichtLageplan && !kataster.Leer())
+        kataster.SpalteHinzufügen({"ID_GG", "ID_GG", 600});
+    if (ansicht == AnsichtAlles)
+        kataster.AlleSpaltenZeigen();
+    else
+        SpaltenlisteAnwenden(kataster, liste);
     if (const auto dienststelle = kataster.SpaltenIndex("Dienststelle"))
         kataster.Spalte(*dienststelle).breite = static_cast<int>(
             std::lround(TextbreiteTwips(LängsteZelle(kataster, *dienststelle)) * 1.2));
     kataster.Sortieren(StandardSortierung);
-    if (ansicht == AnsichtLageplan && !kataster.Leer())
-        kataster.SpalteHinzufügen({"ID_GG", "ID_GG", 600});
     return true;
 }
 

@@ -65,6 +65,9 @@ TEST_F(AnsichtTest, LageplanMitZeilenBekommtDieNummernspalte) {
     kataster.ZeileHinzufügen("x");
     ComboColVis(kataster, "AL-amtl.Lageplan", datei);
     ASSERT_TRUE(kataster.SpaltenIndex("ID_GG"));
+    // the view places it: second, behind the marks
+    EXPECT_EQ(SichtbareSchlüssel(kataster),
+              (std::vector<std::string>{"checkdruck", "ID_GG", "Flurstück"}));
 }
 
 TEST_F(AnsichtTest, AnsichtSortiertNachDerStandardordnung) {
