@@ -20,7 +20,10 @@ namespace {
 using flurix::bench::Satz;
 using flurix::bench::Ziffern;
 
-// About 20 lines per Bestand: two owners with five lines each, two parcels with five lines each.
+// A district as the register delivers it: 1 to 5 owners a Bestand, two parcels a Bestand, each
+// booked on 1 to 3 folios, with 1 to 3 land-use and 0 to 3 classification lines, 200 Gemarkungen,
+// 3,000 streets in 50 Gemeinden and the other key blocks with their hundreds of entries. About
+// 32 lines a Bestand.
 long long Erzeugen(const std::filesystem::path& datei, long long zeilenZiel) {
     std::ofstream aus(datei, std::ios::binary);
     long long zeilen = 0;
@@ -28,13 +31,15 @@ long long Erzeugen(const std::filesystem::path& datei, long long zeilenZiel) {
         aus << z << "\r\n";
         ++zeilen;
     };
+    const auto gemarkung = [](long long n) { return "05" + Ziffern(1000 + n % 200, 4); };
+    const auto gemeinde = [](long long n) { return "05" + Ziffern(n % 50, 10); };
     schreiben(Satz('1', "05", ' ', {{27, "E   01"}, {34, "32"}}));
-    const long long bestände = zeilenZiel / 20;
+    const long long bestände = std::max<long long>(1, zeilenZiel / 32);
     for (long long b = 0; b < bestände; ++b) {
-        const std::string bestand = "051234-" + Ziffern(b, 6);
-        for (int e = 1; e <= 2; ++e) {
-            const std::string pos = Ziffern(e, 4) + ".00";
-            schreiben(Satz('2', bestand, '1', {{28, pos}, {45, "1"}, {48, "0"}, {50, "01"}, {53, "1/2"}}));
+        const std::string bestand = gemarkung(b) + "-" + Ziffern(b, 6);
+        for (long long e = 1; e <= 1 + b % 5; ++e) {
+            const std::string pos = Ziffern(e, 4) + ".00.00000.00";
+            schreiben(Satz('2', bestand, '1', {{28, pos}, {45, "1"}, {48, "0"}, {50, Ziffern(1 + e % 9, 2)}, {53, "1/2"}}));
             schreiben(Satz('2', bestand, '1', {{28, pos}, {48, "1"}, {49, "Mustermann" + std::to_string(b) + ", Max, , "}}));
             schreiben(Satz('2', bestand, '1', {{28, pos}, {48, "2"}, {91, "01.01.1960"}}));
             schreiben(Satz('2', bestand, '1', {{28, pos}, {48, "3"}, {49, "Musterweg " + std::to_string(e)}}));
@@ -43,15 +48,34 @@ long long Erzeugen(const std::filesystem::path& datei, long long zeilenZiel) {
     }
     for (long long b = 0; b < bestände; ++b)
         for (int f = 0; f < 2; ++f) {
-            const std::string key = "051234-" + Ziffern(1 + b % 30, 3) + "-" + Ziffern(b * 2 + f, 5) + "/000";
-            schreiben(Satz('3', key, 'B', {{25, "A"}, {84, "000000512"}}));
-            schreiben(Satz('3', key, 'G', {{31, "051234000001"}, {43, "00100"}, {49, "3"}}));
-            schreiben(Satz('3', key, 'K', {{34, "12-345 0000512"}, {41, "0000512"}}));
-            schreiben(Satz('3', key, 'M', {{34, "32-101 0000500"}, {41, "0000500"}, {60, "045"}, {64, "050"}}));
-            schreiben(Satz('3', key, 'X', {{33, "051234-" + Ziffern(b, 6)}, {47, "0001"}}));
+            const long long n = b * 2 + f;
+            const std::string key = gemarkung(b) + "-" + Ziffern(1 + b % 30, 3) + "-" + Ziffern(n % 100000, 5) + "/" + Ziffern(n / 100000, 3);
+            schreiben(Satz('3', key, 'B', {{22, ".00"}, {25, "A"}, {84, Ziffern(100 + n % 90000, 9)}}));
+            schreiben(Satz('3', key, 'D', {{72, "35001234"}, {81, "56001234"}, {95, Ziffern(n % 60, 4)}}));
+            schreiben(Satz('3', key, 'G', {{31, gemeinde(b)}, {43, Ziffern(n % 3000, 5)}, {49, std::to_string(1 + n % 120)}}));
+            for (long long k = 0; k <= n % 3; ++k)
+                schreiben(Satz('3', key, 'K', {{34, Ziffern(10 + (n + k) % 90, 2) + "-" + Ziffern((n + k) % 300, 3) + " 0000512"}, {41, "0000512"}}));
+            for (long long m = 0; m < n % 4; ++m)
+                schreiben(Satz('3', key, 'M', {{34, "32-1" + Ziffern(m, 2) + " 0000500"}, {41, "0000500"}, {49, "L 4 V"}, {60, "045"}, {64, "050"}}));
+            for (long long x = 0; x <= n % 3; ++x)
+                schreiben(Satz('3', key, 'X', {{33, gemarkung((b + x) % bestände) + "-" + Ziffern((b + x) % bestände, 6)}, {47, Ziffern(1 + x, 4)}, {56, "1"}}));
         }
-    schreiben(Satz('7', "051234", 'B', {{9, "051234000001"}, {30, "Musterstadt"}}));
-    schreiben(Satz('9', "12345", 'D', {{30, "Wohnbaufläche"}}));
+    for (long long g = 0; g < 200; ++g)
+        schreiben(Satz('7', gemarkung(g), 'B', {{9, gemeinde(g)}, {22, Ziffern(g % 20, 4)}, {30, "Gemarkung " + std::to_string(g)}}));
+    for (long long g = 0; g < 50; ++g)
+        schreiben(Satz('7', gemeinde(g), 'D', {{30, "Gemeinde " + std::to_string(g)}}));
+    for (long long s = 0; s < 3000; ++s) {
+        schreiben(Satz('7', gemeinde(s) + Ziffern(s, 5), 'E', {{28, "00"}, {30, "Straße " + std::to_string(s)}}));
+        schreiben(Satz('7', gemeinde(s) + Ziffern(s, 5), 'E', {{28, "09"}}));
+    }
+    for (long long a = 0; a < 20; ++a)
+        schreiben(Satz('8', Ziffern(a, 4), 'A', {{28, "0"}, {30, "Amtsgericht " + std::to_string(a)}}));
+    for (long long a = 1; a < 10; ++a)
+        schreiben(Satz('8', Ziffern(a, 2), 'B', {{28, "0"}, {30, "Eigentümerart " + std::to_string(a)}}));
+    for (long long f = 0; f < 60; ++f)
+        schreiben(Satz('9', Ziffern(f, 4), 'B', {{30, "Finanzamt " + std::to_string(f)}}));
+    for (long long k = 0; k < 9000; k += 30)
+        schreiben(Satz('9', Ziffern(10 + k / 300 % 90, 2) + Ziffern(k % 300, 3), 'D', {{30, "Nutzung " + std::to_string(k)}}));
     schreiben(Satz('9', "", 'Z', {{30, Ziffern(zeilen + 1, 7)}, {37, Ziffern(bestände * 2, 7)}, {44, Ziffern(bestände, 7)}}));
     return zeilen;
 }

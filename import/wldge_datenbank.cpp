@@ -61,6 +61,12 @@ std::unique_ptr<Datenbank> StagingAnlegen(const std::filesystem::path& datei) {
     if (ec || std::filesystem::exists(datei))
         throw Fehler("Die Datenbank \"" + datei.string() + "\" kann nicht gelöscht werden!");
     auto db = std::make_unique<Datenbank>(datei);
+    // The database lives for one import and is deleted after it: it needs no journal and no sync
+    // to disk, and a page cache that holds a district keeps SQLite from reading its pages back.
+    db->AusführenNativ("PRAGMA journal_mode = OFF");
+    db->AusführenNativ("PRAGMA synchronous = OFF");
+    db->AusführenNativ("PRAGMA temp_store = MEMORY");
+    db->AusführenNativ("PRAGMA cache_size = -524288");
     Anlegen(*db, "tblBestand", BestandFelder());
     Anlegen(*db, "tblFlurstück", FlurstückFelder());
     Anlegen(*db, "tblAdresse", BestandFelder());

@@ -92,6 +92,7 @@ public:
         case '7':
         case '8':
         case '9':
+            SchlüsselIndizesAnlegen();
             m_ui.Status(1, Prozent(nummer, gesamt) + "% eingelesen, noch fehlende Datenzeilen: " +
                                std::to_string(gesamt - nummer) + ", Block " + block +
                                std::string(1, Spalte(zeile, 27)) + "   ");
@@ -106,6 +107,27 @@ public:
             break; // other blocks are passed over without a word
         }
         return true;
+    }
+
+    // Each key line updates the rows of one key with one statement. The indexes over the fields
+    // those statements select by keep that from reading the whole parcel table for every key line,
+    // which on a district with thousands of streets would make the key blocks the slowest part.
+    void SchlüsselIndizesAnlegen() {
+        if (m_schlüsselIndizes)
+            return;
+        m_schlüsselIndizes = true;
+        for (const char* feld : {"Gemeindeschlüssel", "Amtsgerichtsschlüssel", "Forstamtsschlüssel",
+                                 "Finanzamtsschlüssel", "Buchungsart", "Schlüssel_ausführende_Stelle",
+                                 "Bemerkung_zum_Verfahren_Schlüssel"})
+            m_db.IndexAnlegen(std::string("Schlüssel_") + feld, "tblFlurstück",
+                              std::vector<std::string>{feld});
+        m_db.IndexAnlegen("Schlüssel_Eigentümerart", "tblBestand",
+                          std::vector<std::string>{"Eigentümerartschlüssel"});
+        // The statements of the Gemarkung and Kreis lines select by the start of a key.
+        m_db.AusführenNativ("CREATE INDEX \"tblFlurstück_Schlüssel_Gemarkung\" ON \"tblFlurstück\" "
+                            "(MID(\"IDKeyFlst\",1,6))");
+        m_db.AusführenNativ("CREATE INDEX \"tblFlurstück_Schlüssel_Kreis\" ON \"tblFlurstück\" "
+                            "(MID(\"Gemeindeschlüssel\",1,5))");
     }
 
     void Ende() {
@@ -628,6 +650,7 @@ private:
     bool m_flurstückOffen = false;
     bool m_ersteBuchung = false;
     bool m_nochNichtÜbertragen = true;
+    bool m_schlüsselIndizes = false;
     std::string m_eigentümerzusatz;
     std::string m_sondereigentum;
     std::string m_straßenname;
