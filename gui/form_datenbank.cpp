@@ -8,6 +8,10 @@
 #include "gui/kataster_modell.hpp"
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
+#include "import/leser.hpp"
+#include "report/registerauszug.hpp"
+#include "import/tabelle_laden.hpp"
+#include "core/suche.hpp"
 
 #include <QAction>
 #include <QApplication>
@@ -19,6 +23,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QStyle>
@@ -45,7 +50,8 @@ FormDatenbank::FormDatenbank(Programmzustand& zustand, Zahlenformat& format, QtO
                              QWidget* eltern)
     : QMainWindow(eltern), m_zustand(zustand), m_format(format), m_ui(ui),
       m_benutzerordner(Benutzerordner()),
-      m_dateiÖffnen([](const QUrl& adresse) { return QDesktopServices::openUrl(adresse); }) {
+      m_dateiÖffnen([](const QUrl& adresse) { return QDesktopServices::openUrl(adresse); }),
+      m_auszug(std::make_unique<report::Registerauszug>(report::PdfHerkunft{FensterTitel(), {}})) {
     setObjectName(QStringLiteral("FormDatenbank"));
     setWindowTitle(QText(FensterTitel()));
     // The empty table has the catalogue's columns, so that the grid shows the chosen view's header.
@@ -105,6 +111,7 @@ void FormDatenbank::BedienelementeAnlegen() {
         QStringLiteral("btnStempelPlus"), QStyle::SP_BrowserReload, QStringLiteral("Zahlenformat"),
         QStringLiteral("Flur, Flurstück, Fläche, Grundbuchblatt und BVNR ohne führende Nullen"));
     WerkzeugeAnlegen();
+    AusgabeAnlegen();
 
     auto* abstand = new QWidget(m_werkzeugleiste);
     abstand->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -318,24 +325,74 @@ void FormDatenbank::OptSystem() {
     FormOptionenSystem::Anzeigen(m_zustand.installation.Konfig(), m_ui, this);
 }
 
-import::Ladeumgebung FormDatenbank::LadeumgebungAnlegen(){import::Ladeumgebung umgebung;
-// The readers come with their modules; until then the load tells the user so.
-umgebung.optionenDialog = [this](import::ImportOptionen& optionen) {
-    return FormDatenbankDarstellung::Bearbeiten(optionen, this);
-};
-umgebung.optionen = m_optionen;
-umgebung.leser.tabelle = [this](const std::filesystem::path& datei) { return TabelleLaden(datei); };
-umgebung.tabellenZeilen = [this] { return m_kataster.Zeilenzahl(); };
-umgebung.tabelleLeeren = [this] {
-    SpaltenbreitenSichern();
-    Umbauen([this] { m_kataster.ZeilenLeeren(); });
-};
-return umgebung;
-} // namespace flurix::gui
+void FormDatenbank::LadeumgebungEinrichten(import::Ladeumgebung& umgebung,
+                                           const import::Ladeauftrag& auftrag) {
+    umgebung.optionenDialog = [this](import::ImportOptionen& optionen) {
+        return FormDatenbankDarstellung::Bearbeiten(optionen, this);
+    };
+    umgebung.optionen = m_optionen;
+    // The same readers as the command line, so that a file reads the same way in both.
+    const import::LeserOrt ort{m_zustand.arbeitsverzeichnis,
+                               m_zustand.installation.Spaltenansichten(), Spaltenansicht(),
+                               auftrag.art == import::Eingabeart::WebXml};
+    import::LeserEintragen(umgebung, m_kataster, m_ui, ort);
+
+    // The readers change the table behind the model's back: each runs inside a model reset, and
+    // the grid's own state (lock, search boxes) follows the new table afterwards.
+    import::Leser& leser = umgebung.leser;
+    const import::ImportOptionen& optionen = umgebung.optionen; // the dialog writes it there
+    const auto datei = [this, &optionen](auto lesen) {
+        return [this, &optionen, lesen = std::move(lesen)](const auto&... argumente) {
+            return Einlesen([&] { return lesen(argumente...); }, optionen);
+        };
+    };
+    leser.wldgeKomplett = datei(std::move(leser.wldgeKomplett));
+    leser.wldgeSchnell = datei(std::move(leser.wldgeSchnell));
+    leser.webXml = datei(std::move(leser.webXml));
+    leser.tabelle = datei(std::move(leser.tabelle));
+    umgebung.tabelleLeeren = [this, leeren = std::move(umgebung.tabelleLeeren)] {
+        SpaltenbreitenSichern();
+        Umbauen(leeren);
+    };
+}
+
+Ergebnis FormDatenbank::Einlesen(const std::function<Ergebnis()>& lesen,
+                                 const import::ImportOptionen& optionen) {
+    // A new table starts locked against edits.
+    m_entsperren->setChecked(false);
+    Ergebnis ergebnis;
+    std::vector<std::string> paare;
+    const bool ausKennzeichen = optionen.suchbegriffGemarkung;
+    Umbauen([&] {
+        ergebnis = lesen();
+        if (!ergebnis || !m_kataster.SpaltenIndex("Gemarkung"))
+            return;
+        // The rule of the saved-table reader: the parcel keys on request whatever the size, the
+        // columns below the limit, where the list is still worth its wait. The reader's last
+        // word (rows read) stays in panel 1, not the percent of the box.
+        const QString gelesen = m_panels[0]->text();
+        const auto zurück = qScopeGuard([&] { m_panels[0]->setText(gelesen); });
+        if (ausKennzeichen)
+            paare = BoxGemFlurNASFüllen(m_kataster, m_ui);
+        else if (m_kataster.Zeilenzahl() < import::GemFlurBoxGrenze)
+            paare = BoxGemFlurFüllen(m_kataster, m_ui);
+        else
+            return;
+        // Filling the box sorts the table its own way; every reader leaves it in this order.
+        m_kataster.Sortieren(StandardSortierung);
+    });
+    if (ergebnis)
+        GemarkungsboxFüllen(paare, ausKennzeichen);
+    // Even a failed read may have changed the columns.
+    SuchspaltenFüllen();
+    return ergebnis;
+}
 
 Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
     Sperren(true);
-    import::Ladeumgebung umgebung = LadeumgebungAnlegen();
+    // Built in place: the readers keep references into it.
+    import::Ladeumgebung umgebung;
+    LadeumgebungEinrichten(umgebung, auftrag);
     Ergebnis ergebnis = import::ALBDatenLaden(auftrag, umgebung, m_ui);
     // What the options dialog chose holds for the search and the next load of this run.
     m_optionen = umgebung.optionen;

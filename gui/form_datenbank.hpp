@@ -18,6 +18,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,10 @@ class QProgressBar;
 class QTableView;
 class QToolBar;
 class QToolButton;
+
+namespace flurix::report {
+class Registerauszug;
+}
 
 namespace flurix::gui {
 
@@ -81,10 +86,11 @@ public:
     void BenutzerordnerSetzen(std::filesystem::path ordner) {
         m_benutzerordner = std::move(ordner);
     }
-    /// What opens a file in the system's program (ALBDatenSpalteEdit): QDesktopServices::openUrl
-    /// unless set otherwise.
+    /// What opens a file in the system's program (ALBDatenSpalteEdit, the report, the extract):
+    /// QDesktopServices::openUrl unless set otherwise.
     void DateiÖffnerSetzen(std::function<bool(const QUrl&)> öffner) {
         m_dateiÖffnen = std::move(öffner);
+        m_dateiÖffnenGesetzt = true;
     }
 
     /// Label of status panel 1..6; nullptr for other numbers.
@@ -97,12 +103,6 @@ public:
     KatasterModell& Modell() const { return *m_modell; }
     QTableView* Grid() const { return m_tabelle; }
     Stempelnummerierung& Nummerierung() { return m_nummerierung; }
-
-    /// The saved-table reader (leser.tabelle): GespeicherteTabelleLaden with the view of the view
-    /// box and the option "Flurstückssuche vereinfachen" of the last import dialog; then the
-    /// Gemarkung and Flur box and the search column box anew, and the grid locked. A file that
-    /// can't be read leaves the table as it was, with the message shown.
-    Ergebnis TabelleLaden(const std::filesystem::path& datei);
 
     /// ComboColVis for the view `ansicht`, then the grid and the search column box anew; the
     /// widths are saved under "ColWidths". False when the views file has no such view.
@@ -137,6 +137,22 @@ public:
 
     /// The column widths in the form of "ColWidths".
     std::string Spaltenbreiten() const;
+
+    // --- output: save as, report, register extract ------------------------------------------
+
+    /// btnSpeichernUnter: the save dialog with the filters of ausgabe::SpeicherFilter, XML chosen
+    /// first, in the job's folder; then SpeichernUnter. Cancel ends silently.
+    void SpeichernUnterDialog();
+    /// ALBDatenSpeichernUnter of the table in the format of filter `filter` (its description, as
+    /// the dialog returns it) under `gewählt`, with the questions through the UI port. A filter
+    /// that names none of the formats saves nothing and returns Fehler.
+    Ergebnis SpeichernUnter(const QString& filter, const std::filesystem::path& gewählt);
+    /// btnBericht: the HTML report (CreateGridReport) into `datei`, then opened in the browser.
+    Ergebnis Bericht(const std::filesystem::path& datei);
+    /// btnPDFALB: the register extract of the parcel of the current row (else of the first selected
+    /// row) into the working directory, then opened in the PDF viewer. Returns the file written;
+    /// empty when there was no row or the file could not be written (the user is told).
+    std::filesystem::path AuszugErstellen();
 
     // --- the search bar ----------------------------------------------------------------------
 
@@ -174,13 +190,23 @@ private:
     QToolBar* SuchleisteAnlegen();
     void MarkierungsgruppeAnlegen();
     void WerkzeugeAnlegen();
+    void AusgabeAnlegen();
+    /// The file in the system's program; nothing when the window runs without a screen
+    /// (offscreen), where no viewer could be seen.
+    void DateiZeigen(const std::filesystem::path& datei);
     void TabelleAnlegen();
     void StatusleisteAnlegen();
     void DateiLadenZeitgeber();
     void NasStapelZeitgeber();
     void KarteZeitgeber();
     void TimerEnd(int exitcode);
-    import::Ladeumgebung LadeumgebungAnlegen();
+    /// The readers of import::LeserEintragen for `auftrag`, each wrapped in Einlesen, and the
+    /// options dialog of this window. `umgebung` must stay where it is: the readers refer to it.
+    void LadeumgebungEinrichten(import::Ladeumgebung& umgebung, const import::Ladeauftrag& auftrag);
+    /// One reader's run inside a model reset; then the grid locked, the Gemarkung and Flur box
+    /// filled as `optionen` ask, and the search column box anew.
+    Ergebnis Einlesen(const std::function<Ergebnis()>& lesen,
+                      const import::ImportOptionen& optionen);
     void Sperren(bool gesperrt);
 
     /// Work that replaces, reorders or re-columns the table: the model is reset around it, the
@@ -240,6 +266,9 @@ private:
 
     std::filesystem::path m_benutzerordner;
     std::function<bool(const QUrl&)> m_dateiÖffnen;
+    bool m_dateiÖffnenGesetzt = false; ///< not the system's: it opens offscreen as well
+    /// The extract lives as long as the window: its continuation state carries over.
+    std::unique_ptr<report::Registerauszug> m_auszug;
     std::function<void(int)> m_programmEnde = [](int code) { QCoreApplication::exit(code); };
     QString m_letzterFilter;     ///< the open dialog's filter of the last load in this run
     bool m_beschaeftigt = false; ///< a load runs

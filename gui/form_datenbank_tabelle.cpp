@@ -1,5 +1,5 @@
 // The grid of the main window: the cadastre table through its model, column views and widths,
-// the sort by header clicks, the selection, the edit lock, deletion and the saved-table reader.
+// the sort by header clicks, the selection, the edit lock and deletion.
 
 #include "gui/form_datenbank.hpp"
 
@@ -14,7 +14,6 @@
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
 #include "gui/spaltenbreiten.hpp"
-#include "import/tabelle_laden.hpp"
 
 #include <QAction>
 #include <QComboBox>
@@ -337,26 +336,6 @@ void FormDatenbank::SpaltenbreitenWiederherstellen() {
             .Lesen(EinstellungAnwendung, EinstellungAbschnitt, EinstellungSchlüssel);
     if (SpaltenbreitenAnwenden(m_kataster, text) > 0)
         BreitenAnwenden();
-}
-
-// --- the saved-table reader ----------------------------------------------------------------------
-
-Ergebnis FormDatenbank::TabelleLaden(const std::filesystem::path& datei) {
-    import::TabellenLadeumgebung umgebung;
-    umgebung.ansichtsdatei = m_zustand.installation.Spaltenansichten();
-    umgebung.ansicht = Spaltenansicht();
-    umgebung.suchbegriffGemarkung = m_optionen.suchbegriffGemarkung;
-    std::vector<std::string> paare;
-    Ergebnis ergebnis;
-    m_entsperren->setChecked(false);
-    Umbauen([&] {
-        ergebnis = import::GespeicherteTabelleLaden(datei, umgebung, m_kataster, m_ui, &paare);
-    });
-    if (ergebnis) {
-        GemarkungsboxFüllen(paare, umgebung.suchbegriffGemarkung);
-        SuchspaltenFüllen();
-    }
-    return ergebnis;
 }
 
 } // namespace flurix::gui

@@ -79,6 +79,7 @@ void WldgeZusammenführen(Datenbank& db, Kataster& kataster,
                              "% von Datenbank erzeugt   ");
     }
 
+    ui.Status(1, "100% von Datenbank erzeugt   ");
     ALBDatenColFormatierung(kataster);
     kataster.Sortieren(StandardSortierung);
     ComboColVis(kataster, ansicht, ansichtsdatei);

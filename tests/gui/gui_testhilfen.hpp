@@ -7,6 +7,7 @@
 #include "gui/form_datenbank.hpp"
 #include "gui/qt_oberflaeche.hpp"
 
+#include <QApplication>
 #include <QMessageBox>
 #include <QStringList>
 #include <QTimer>
@@ -41,6 +42,27 @@ private:
     void Antworten();
 
     std::vector<QMessageBox::StandardButton> m_folge;
+    QTimer m_zeitgeber;
+};
+
+/// Runs `handeln` once on the first modal dialog of type T that opens while it lives.
+template <typename T> class Dialoghelfer {
+public:
+    explicit Dialoghelfer(std::function<void(T&)> handeln) : m_handeln(std::move(handeln)) {
+        m_zeitgeber.setInterval(5);
+        QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] {
+            auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
+            if (!dialog || !dialog->isVisible() || gesehen)
+                return;
+            gesehen = true;
+            m_handeln(*dialog);
+        });
+        m_zeitgeber.start();
+    }
+    bool gesehen = false;
+
+private:
+    std::function<void(T&)> m_handeln;
     QTimer m_zeitgeber;
 };
 

@@ -44,6 +44,7 @@ namespace flurix::gui {
 namespace {
 
 using test::Beantworter;
+using test::Dialoghelfer;
 using test::Panel;
 using test::TempOrdner;
 
@@ -52,27 +53,6 @@ constexpr std::string_view Ansichten =
     "Kataster ALKIS=checkdruck;Gemarkung;Flur;Flurstück;Fläche;Name;Flurstückskennzeichen\r\n"
     "AL-amtl.Lageplan=checkdruck;ID_GG;Gemarkung;Flur;Flurstück;Name\r\n"
     "Eigentümer=Name;Straße;Ort\r\n";
-
-/// Runs `handeln` once on the first modal dialog of type T that opens while it lives.
-template <typename T> class Dialoghelfer {
-public:
-    explicit Dialoghelfer(std::function<void(T&)> handeln) : m_handeln(std::move(handeln)) {
-        m_zeitgeber.setInterval(5);
-        QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] {
-            auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
-            if (!dialog || !dialog->isVisible() || gesehen)
-                return;
-            gesehen = true;
-            m_handeln(*dialog);
-        });
-        m_zeitgeber.start();
-    }
-    bool gesehen = false;
-
-private:
-    std::function<void(T&)> m_handeln;
-    QTimer m_zeitgeber;
-};
 
 /// A main window with the views file, the view "Kataster ALKIS" chosen, and a made-up table of
 /// `zeilen` rows loaded from a saved-table file.
