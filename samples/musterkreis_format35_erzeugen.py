@@ -4,21 +4,7 @@ reader, with three parcels, their owners in "Z" lines and the key texts of block
 (Windows-1252, CR LF)."""
 import os
 
-
-def satz(block, schluessel, art, felder=()):
-    """One record: block digit in column 1, key from column 2, kind in column 27, then fields
-    placed at their 1-based columns."""
-    z = [' '] * 140
-    z[0] = block
-    for i, c in enumerate(schluessel):
-        z[1 + i] = c
-    z[26] = art
-    for spalte, text in felder:
-        for i, c in enumerate(text):
-            while len(z) < spalte + i:
-                z.append(' ')
-            z[spalte - 1 + i] = c
-    return ''.join(z).rstrip()
+from musterkreis_erzeugen import satz
 
 
 def eigentuemer(key, blatt, bvnr, name, zusatz, strasse, ort):
