@@ -23,6 +23,21 @@ awk -F'\t' '
              $spalte["Flurstück"], $spalte["Eigentümerposition"], $spalte["Name"],
              $spalte["Lagebezeichnung"], $spalte["Nutzung_tatsächlich"] }' "$arbeit"/kataster.tsv
 echo
+echo "== flurix import musterkreis_format32.wldge (schnell, alle Eigentümer in einer Zeile)"
+"$flurix" import "$arbeit"/musterkreis_format32.wldge --alle-eigentuemer-in-einer-zeile --out "$arbeit"/schnell.tsv 2>&1
+echo
+echo "== flurix suchen kataster.tsv --spalte Name --begriff \"Dr. Mustermann, Max\""
+"$flurix" suchen "$arbeit"/kataster.tsv --spalte Name --begriff "Dr. Mustermann, Max" --out "$arbeit"/treffer.tsv 2>&1
+echo
+echo "== flurix export kataster.tsv --format txt-tab / xlsx"
+"$flurix" export "$arbeit"/kataster.tsv --format txt-tab --out "$arbeit"/kataster.txt >/dev/null 2>&1
+"$flurix" export "$arbeit"/kataster.tsv --format xlsx --out "$arbeit"/kataster.xlsx >/dev/null 2>&1
+ls -l "$arbeit"/kataster.txt "$arbeit"/kataster.xlsx | awk '{print $5, $NF}'
+echo
+echo "== flurix auszug kataster.tsv --zeile 3"
+"$flurix" auszug "$arbeit"/kataster.tsv --zeile 3 --out "$arbeit"/auszug.pdf 2>&1
+head -c 8 "$arbeit"/auszug.pdf; echo " ($(stat -c %s "$arbeit"/auszug.pdf) Byte)"
+echo
 echo "== flurix import musterstadt_bestandsdatenauszug.xml"
 "$flurix" import "$arbeit"/musterstadt_bestandsdatenauszug.xml 2>&1 && code=0 || code=$?
 echo "(Ende mit $code)"
