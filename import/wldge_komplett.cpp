@@ -189,9 +189,19 @@ private:
         }
     }
 
+    // Runs once for every Bestand: its two statements are prepared once.
     void BestandÜbertragen() {
-        Versuchen("INSERT INTO tblBestand SELECT * FROM tblAdresse");
-        Versuchen("DELETE FROM tblAdresse");
+        if (!m_übertragen) {
+            m_übertragen.emplace(m_db.Vorbereiten("INSERT INTO tblBestand SELECT * FROM tblAdresse"));
+            m_leeren.emplace(m_db.Vorbereiten("DELETE FROM tblAdresse"));
+        }
+        for (auto* anweisung : {&*m_übertragen, &*m_leeren}) {
+            anweisung->Zurücksetzen();
+            try {
+                anweisung->Schritt();
+            } catch (const Fehler&) {
+            }
+        }
         m_adresseOffen = false;
     }
 
@@ -640,6 +650,8 @@ private:
     std::map<std::string, Anweisung> m_setzer;
     std::optional<Anweisung> m_neueAdresse;
     std::optional<Anweisung> m_neuesFlurstück;
+    std::optional<Anweisung> m_übertragen;
+    std::optional<Anweisung> m_leeren;
     std::vector<std::string> m_flurstück; // the current parcel entry, written when it is complete
 
     long long m_adresseNr = 0;
