@@ -121,6 +121,10 @@ public:
                                  "Bemerkung_zum_Verfahren_Schlüssel"})
             m_db.IndexAnlegen(std::string("Schlüssel_") + feld, "tblFlurstück",
                               std::vector<std::string>{feld});
+        // The street-name statement tests the street keys of every parcel of a Gemeinde: with both
+        // fields in one index it tests them in the index, without reading the parcel rows.
+        m_db.IndexAnlegen("Schlüssel_GemeindeStraße", "tblFlurstück",
+                          std::vector<std::string>{"Gemeindeschlüssel", "Straßenschlüssel"});
         m_db.IndexAnlegen("Schlüssel_Eigentümerart", "tblBestand",
                           std::vector<std::string>{"Eigentümerartschlüssel"});
         // The statements of the Gemarkung and Kreis lines select by the start of a key.
