@@ -30,9 +30,12 @@ std::string LängsteZelle(const Kataster& kataster, std::size_t spalte) {
     std::size_t zeichen = 0;
     for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z) {
         const auto text = kataster.Zelle(z, spalte);
-        if (text.size() > längste.size() && Zeichenzahl(text) > zeichen) {
+        // A text has at most as many characters as bytes: only a longer one needs counting.
+        if (text.size() <= zeichen)
+            continue;
+        if (const std::size_t n = Zeichenzahl(text); n > zeichen) {
             längste = text;
-            zeichen = Zeichenzahl(text);
+            zeichen = n;
         }
     }
     return std::string(längste);

@@ -21,6 +21,9 @@
 namespace flurix::import {
 namespace {
 
+// Keys of the code list: "12-345".
+constexpr std::size_t Nutzungsschlüssellänge = 6;
+
 // The text of a number as the register's lists hold it: rounded, without decimals.
 std::string Ganz(double wert) { return std::to_string(std::llround(wert)); }
 
@@ -66,6 +69,7 @@ public:
         std::string text = std::string(TrimmeLeerzeichen(FeldText(zeile, 30, 63))) + " " +
                            std::string(TrimmeLeerzeichen(FeldText(zeile, 65, 98))) + " " +
                            std::string(TrimmeLeerzeichen(FeldText(zeile, 100, 133)));
+        m_ersterNutzungstext.emplace(schlüssel, m_nutzungstexte.size()); // the first one counts
         m_nutzungstexte.emplace_back(schlüssel, std::move(text));
     }
 
@@ -531,11 +535,21 @@ private:
         m_ersteBuchung = true;
     }
 
+    // The text of the first code line whose key starts with `schlüssel`. Every land-use line
+    // asks, so a whole key is looked up directly; only a shorter one walks the list.
     std::string NutzungText(std::string_view schlüssel) const {
-        for (const auto& [k, text] : m_nutzungstexte)
-            if (k.starts_with(schlüssel))
-                return std::string(TrimmeLeerzeichen(text));
-        return {};
+        const auto treffer = m_ersterNutzungstext.find(std::string(schlüssel));
+        std::size_t erster = treffer != m_ersterNutzungstext.end() ? treffer->second
+                                                                   : m_nutzungstexte.size();
+        if (schlüssel.size() < Nutzungsschlüssellänge)
+            for (std::size_t i = 0; i < erster; ++i)
+                if (m_nutzungstexte[i].first.starts_with(schlüssel)) {
+                    erster = i;
+                    break;
+                }
+        return erster < m_nutzungstexte.size()
+                   ? std::string(TrimmeLeerzeichen(m_nutzungstexte[erster].second))
+                   : std::string();
     }
 
     void Block7(std::string_view zeile) {
@@ -650,6 +664,7 @@ private:
     const ImportOptionen& m_optionen;
     Oberfläche& m_ui;
     std::vector<std::pair<std::string, std::string>> m_nutzungstexte;
+    std::unordered_map<std::string, std::size_t> m_ersterNutzungstext;
     std::unordered_map<std::string_view, std::size_t> m_feldIndex;
     std::map<std::string, Anweisung> m_setzer;
     std::optional<Anweisung> m_neueAdresse;

@@ -126,6 +126,14 @@ TEST(Spaltenformat, BreitenNachInhaltMitGrenzen) {
     EXPECT_EQ(k.Spalte(*k.SpaltenIndex("Name")).breite, TextbreiteTwips(lang));
     EXPECT_GT(k.Spalte(*k.SpaltenIndex("Name")).breite, 2000); // names are not capped
     EXPECT_TRUE(k.Spalte(*k.SpaltenIndex("Flurstück")).schattiert);
+
+    // Characters count, not bytes: four umlauts are shorter than five letters.
+    Kataster zeichen;
+    zeichen.SpalteHinzufügen({"N", "N"});
+    zeichen.ZeileHinzufügen("ÄÖÜÄÖÜÄÖÜÄÖÜ");
+    zeichen.ZeileHinzufügen("abcdefghijklm");
+    ALBDatenColFormatierung(zeichen);
+    EXPECT_EQ(zeichen.Spalte(0).breite, TextbreiteTwips("abcdefghijklm"));
 }
 
 TEST(ZeilenLöschen, FragenJeNachAnzahl) {
