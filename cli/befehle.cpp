@@ -90,6 +90,17 @@ const std::vector<Befehl>& Befehle() {
          "  ausgegeben. Fragen und Meldungen stehen auf stderr. Ende mit 1, wenn nichts\n"
          "  geschrieben wurde (leere Tabelle, Ordner nicht beschreibbar, Datei in Bearbeitung).\n",
          BefehlExport},
+        {"nas", "liest eine NAS-Datei (ALKIS) in ihre Objektdatenbank",
+         "Aufruf: flurix nas <datei.xml> [--db <datei.sqlite>] [--ohne-protokoll]\n"
+         "  Liest jedes Objekt der NAS-Datei nach config/ALKIS_Knoten.dat in eine SQLite-Datenbank\n"
+         "  (eine Tabelle je Objektart, eine je Beziehung), ergänzt Werte, Schlüssel und die\n"
+         "  Antragsbeschreibung und gibt die Tabellen mit ihrer Zeilenzahl aus (TAB-getrennt).\n"
+         "  --db <datei>       die Datenbank; ohne --db entsteht _tmpDAOdbFile<Datum Zeit>.sqlite\n"
+         "                     im Arbeitsverzeichnis\n"
+         "  --ohne-protokoll   keine Protokolldatei <datei.xml>.prn schreiben\n"
+         "  Meldungen und Protokoll stehen auf stderr. Ende mit 1, wenn die Datei nicht gelesen\n"
+         "  werden konnte (keine NAS-Datei, Knotendatei fehlt, Datenbank nicht beschreibbar).\n",
+         BefehlNas},
         {"auszug", "schreibt den Auszug aus dem Liegenschaftskataster eines Flurstücks (PDF)",
          "Aufruf: flurix auszug <tabelle> (--zeile <n> | --fkz <kennzeichen>) [--out <datei.pdf>]\n"
          "  Wie der Knopf \"ALB-Auszug\": Flurstücks- und Eigentümernachweis des Flurstücks der\n"

@@ -1,0 +1,384 @@
+#include "nas/geometrie.hpp"
+
+#include "core/oberflaeche_skript.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flurix::nas {
+namespace {
+
+constexpr double pi = std::numbers::pi;
+
+// ---- helpers of the tests: their own reading and writing of numbers ----
+
+std::string Text(double wert, int stellen) {
+    std::array<char, 64> puffer{};
+    const auto [ende, fehler] = std::to_chars(puffer.data(), puffer.data() + puffer.size(), wert,
+                                              std::chars_format::fixed, stellen);
+    EXPECT_EQ(fehler, std::errc());
+    return std::string(puffer.data(), ende);
+}
+
+double Wert(std::string_view text) {
+    double wert = 0;
+    const auto [ende, fehler] = std::from_chars(text.data(), text.data() + text.size(), wert);
+    EXPECT_TRUE(fehler == std::errc() && ende == text.data() + text.size()) << text;
+    return wert;
+}
+
+std::vector<std::string_view> Stücke(std::string_view text, char trenner) {
+    std::vector<std::string_view> stücke;
+    std::size_t anfang = 0;
+    for (std::size_t pos = text.find(trenner); pos != std::string_view::npos;
+         pos = text.find(trenner, anfang)) {
+        stücke.push_back(text.substr(anfang, pos - anfang));
+        anfang = pos + 1;
+    }
+    stücke.push_back(text.substr(anfang));
+    return stücke;
+}
+
+/// The points of a point list "x y;x y"; every point must be two numbers.
+std::vector<Punkt> Punkte(std::string_view liste) {
+    std::vector<Punkt> punkte;
+    for (std::string_view punkt : Stücke(liste, ';')) {
+        const auto xy = Stücke(punkt, ' ');
+        EXPECT_EQ(xy.size(), 2U) << punkt;
+        if (xy.size() == 2)
+            punkte.push_back({Wert(xy[0]), Wert(xy[1])});
+    }
+    return punkte;
+}
+
+double Abstand(const Punkt& a, const Punkt& b) { return std::hypot(a.x - b.x, a.y - b.y); }
+
+// ---- posUmring ----
+
+TEST(PosUmring, PaareMitSemikolonOhneWiederholung) {
+    struct Fall {
+        std::string_view text;
+        std::string_view erwartet;
+    };
+    const Fall fälle[] = {
+        {"1 2 1 2 3 4", "1 2;3 4"},
+        {"  1   2  3\t4\r\n5 6 ", "1 2;3 4;5 6"},
+        {"1 2", "1 2"},
+        {"1 2 1 2 1 2", "1 2"},
+        {"1 2 3 4 1 2", "1 2;3 4;1 2"}, // only a repeat right behind is dropped
+        {"1 2 1.0 2.0", "1 2;1.0 2.0"}, // compared as text
+        {"1 2 3", "1 2"},               // an odd last coordinate is dropped
+        {"7", ""},
+        {"", ""},
+        {" \t ", ""},
+        {"a b a b c d", "a b;c d"}, // no numbers: kept as text
+        {"389000.123 5819000.456 389010.5 5819000.456",
+         "389000.123 5819000.456;389010.5 5819000.456"},
+    };
+    for (const auto& f : fälle)
+        EXPECT_EQ(PosUmring(f.text), f.erwartet) << "\"" << f.text << "\"";
+}
+
+// ---- arcs to chords ----
+
+/// An arc made from its circle: start angle, angle swept (negative: clockwise), and where on the
+/// arc the middle point lies (as a share of the sweep).
+struct Bogen {
+    const char* name;
+    Punkt mitte;
+    double radius;
+    double startGrad;
+    double bogenGrad;
+    double anteilB;
+    double pfeilhöhe;
+
+    Punkt Auf(double grad) const {
+        const double w = grad * pi / 180;
+        return {mitte.x + radius * std::cos(w), mitte.y + radius * std::sin(w)};
+    }
+    Punkt A() const { return Auf(startGrad); }
+    Punkt B() const { return Auf(startGrad + anteilB * bogenGrad); }
+    Punkt C() const { return Auf(startGrad + bogenGrad); }
+    std::string CText() const { return Text(C().x, 7) + " " + Text(C().y, 7); }
+    std::string Text6() const {
+        return Text(A().x, 7) + " " + Text(A().y, 7) + " " + Text(B().x, 7) + " " + Text(B().y, 7) +
+               " " + CText();
+    }
+};
+
+const Bogen bögen[] = {
+    {"Viertel links herum", {389000, 5819000}, 25, 10, 90, 0.5, 0.01},
+    {"Viertel rechts herum", {389000, 5819000}, 25, 100, -90, 0.3, 0.01},
+    {"Dreiviertel", {0, 0}, 3, -45, 270, 0.6, 0.01},
+    {"200 Grad rechts herum, feine Sehnen", {412345.678, 5712345.678}, 100, 170, -200, 0.5, 0.0001},
+    {"flacher Bogen großer Radius", {389000, 5819000}, 1000, 80, 5, 0.5, 0.01},
+    {"Halbkreis grobe Sehnen", {10, 20}, 0.5, 0, 180, 0.5, 0.2},
+    {"rechts herum über die Richtung 180 Grad", {-50, 70}, 7, -170, -40, 0.5, 0.01},
+};
+
+TEST(BogenZuSehnen, PunkteAufDemKreisPfeilhöheEingehaltenEndeIstC) {
+    for (const Bogen& b : bögen) {
+        SCOPED_TRACE(b.name);
+        const std::string liste = BogenZuSehnen(b.Text6(), b.pfeilhöhe);
+        ASSERT_FALSE(liste.empty());
+        const std::vector<Punkt> punkte = Punkte(liste);
+        ASSERT_GE(punkte.size(), 2U);
+
+        // Starts at A, ends with C exactly as written in the arc.
+        EXPECT_LT(Abstand(punkte.front(), b.A()), 1e-4);
+        EXPECT_TRUE(liste.ends_with(";" + b.CText())) << liste.substr(liste.rfind(';'));
+
+        double gedreht = 0;
+        for (std::size_t i = 0; i < punkte.size(); ++i) {
+            EXPECT_NEAR(Abstand(punkte[i], b.mitte), b.radius, 1e-3) << "Punkt " << i;
+            if (i == 0)
+                continue;
+            // Sagitta of the chord: radius minus the distance of its middle from the centre
+            // (the points are written to 4 places, hence the small allowance).
+            const Punkt halb{(punkte[i - 1].x + punkte[i].x) / 2,
+                             (punkte[i - 1].y + punkte[i].y) / 2};
+            EXPECT_LE(b.radius - Abstand(halb, b.mitte), b.pfeilhöhe + 1e-4) << "Sehne " << i;
+            double w = std::atan2(punkte[i].y - b.mitte.y, punkte[i].x - b.mitte.x) -
+                       std::atan2(punkte[i - 1].y - b.mitte.y, punkte[i - 1].x - b.mitte.x);
+            if (w > pi)
+                w -= 2 * pi;
+            if (w < -pi)
+                w += 2 * pi;
+            EXPECT_TRUE(b.bogenGrad > 0 ? w > 0 : w < 0) << "Sehne " << i << " läuft zurück";
+            gedreht += w;
+        }
+        // The chords go the way of B, from A to C, and nowhere else: the turned angle as an arc
+        // length (A is written to 4 places).
+        EXPECT_NEAR(gedreht * b.radius, b.bogenGrad * pi / 180 * b.radius, 1e-4);
+
+        // Not more chords than the sagitta needs, plus one.
+        const double größterWinkel = 2 * std::acos(1 - b.pfeilhöhe / b.radius);
+        const double nötig = std::ceil(std::abs(b.bogenGrad) * pi / 180 / größterWinkel);
+        const double sehnen = static_cast<double>(punkte.size() - 1);
+        EXPECT_GE(sehnen, nötig);
+        EXPECT_LE(sehnen, nötig + 1);
+    }
+}
+
+TEST(BogenZuSehnen, FeinerePfeilhöheGibtMehrPunkte) {
+    const std::string bogen = bögen[0].Text6();
+    const auto grob = Punkte(BogenZuSehnen(bogen, 0.01)).size();
+    const auto fein = Punkte(BogenZuSehnen(bogen, 0.0001)).size();
+    EXPECT_GT(grob, 3U);
+    EXPECT_GT(fein, 5 * grob);
+}
+
+TEST(BogenZuSehnen, PfeilhöheNullOderNegativWirktWie001) {
+    const std::string bogen = bögen[2].Text6();
+    const std::string standard = BogenZuSehnen(bogen, 0.01);
+    EXPECT_EQ(BogenZuSehnen(bogen, 0), standard);
+    EXPECT_EQ(BogenZuSehnen(bogen, -0.5), standard);
+    EXPECT_EQ(BogenZuSehnen(bogen, std::nan("")), standard);
+    EXPECT_EQ(BogenZuSehnen(bogen, StandardPfeilhöhe), standard);
+    EXPECT_NE(BogenZuSehnen(bogen, 0.001), standard);
+}
+
+TEST(BogenZuSehnen, HalbkreisGenauAlsText) {
+    // Centre 0 0, radius 1; sagitta 0.5 allows 120 degrees a chord, so 180 degrees take two.
+    EXPECT_EQ(BogenZuSehnen("1 0 0 1 -1 0", 0.5), "1.0000 0.0000;0.0000 1.0000;-1 0");
+    EXPECT_EQ(BogenZuSehnen("  1\t0  0 -1 -1.000 0 ", 0.5),
+              "1.0000 0.0000;0.0000 -1.0000;-1.000 0");
+    // A sagitta beyond the diameter: one chord.
+    EXPECT_EQ(BogenZuSehnen("1 0 0 1 -1 0", 5), "1.0000 0.0000;-1 0");
+}
+
+TEST(BogenZuSehnen, OhneKreisBleibenDieDreiPunkte) {
+    struct Fall {
+        std::string_view bogen;
+        std::string_view erwartet;
+    };
+    const Fall fälle[] = {
+        {"0 0 5 5 10 10", "0 0;5 5;10 10"},
+        {"0 0 10 10 5 5", "0 0;10 10;5 5"},                       // B beyond C
+        {"1 1 1 1 2 2", "1 1;1 1;2 2"},                           // two equal points
+        {"0 0 1 1 0 0", "0 0;1 1;0 0"},                           // start equals end
+        {"0 0 5 0.000000001 10 0", "0 0;5 0.000000001;10 0"},     // radius of 12.5 million km
+        {"0 0 20 0.0000001 10 0", "0 0;20 0.0000001;10 0"},       // the long way round that circle
+        {"1e300 0 0 1e300 -1e300 0", "1e300 0;0 1e300;-1e300 0"}, // overflow, no NaN
+    };
+    for (const auto& f : fälle)
+        EXPECT_EQ(BogenZuSehnen(f.bogen, 0.01), f.erwartet) << f.bogen;
+}
+
+TEST(BogenZuSehnen, UnlesbarerBogenGibtLeer) {
+    for (std::string_view bogen : {"", "   ", "1 2 3 4 5", "1 2 3 4 5 6 7", "1 2 x 4 5 6",
+                                   "nan 0 0 1 -1 0", "1 0 0 1 -1 inf", "1,5 0 0 1 -1 0"})
+        EXPECT_EQ(BogenZuSehnen(bogen, 0.01), "") << bogen;
+}
+
+TEST(BogenZuSehnen, WinzigePfeilhöheIstBegrenzt) {
+    const Bogen& b = bögen[0];
+    const std::string liste = BogenZuSehnen(b.Text6(), 1e-300);
+    EXPECT_EQ(std::count(liste.begin(), liste.end(), ';'), MaxSehnenJeBogen);
+    EXPECT_EQ(liste.find("nan"), std::string::npos);
+    EXPECT_EQ(liste.find("inf"), std::string::npos);
+    const std::vector<Punkt> punkte = Punkte(liste);
+    ASSERT_EQ(punkte.size(), static_cast<std::size_t>(MaxSehnenJeBogen) + 1);
+    for (std::size_t i = 0; i < punkte.size(); i += 997)
+        EXPECT_NEAR(Abstand(punkte[i], b.mitte), b.radius, 1e-3) << "Punkt " << i;
+}
+
+TEST(PfeilhöheAusEinstellung, NullLeerOderUnlesbarGibt001) {
+    struct Fall {
+        std::string_view wert;
+        double erwartet;
+    };
+    const Fall fälle[] = {
+        {"", 0.01},      {"0", 0.01},   {"0.0", 0.01},  {"0.05", 0.05},  {" 0.002\t", 0.002},
+        {"1e-3", 0.001}, {"abc", 0.01}, {"0,05", 0.01}, {"0.05m", 0.01}, {"0.05 0.1", 0.01},
+        {"-1", 0.01},    {"nan", 0.01}, {"inf", 0.01},  {"+0.5", 0.5},
+    };
+    for (const auto& f : fälle)
+        EXPECT_DOUBLE_EQ(PfeilhöheAusEinstellung(f.wert), f.erwartet) << "\"" << f.wert << "\"";
+}
+
+// ---- rings ----
+
+TEST(RingeAusText, OhneDatenMeldungUndKeineRinge) {
+    for (std::string_view text : {"", "   ", " ; ;", "\t;\r\n"}) {
+        SkriptOberfläche ui;
+        EXPECT_TRUE(RingeAusText(text, "", 0.01, &ui).empty()) << text;
+        ASSERT_EQ(ui.Meldungen(), std::vector<std::string>{"Koordinaten-Trenner ohne Daten!"});
+        EXPECT_EQ(ui.Ereignisse().front().titel, "Flurix");
+        EXPECT_EQ(ui.Stile(), std::vector<Stil>{Stil::Warnung});
+    }
+    EXPECT_TRUE(RingeAusText("", "", 0.01, nullptr).empty());
+}
+
+TEST(RingeAusText, RingeAmSemikolonPunktePaarweise) {
+    struct Fall {
+        std::string_view text;
+        std::vector<std::vector<Punkt>> erwartet;
+    };
+    const Fall fälle[] = {
+        {"0 0 10 0 10 10 0 0; 2 2 3 2 3 3 2 2",
+         {{{0, 0}, {10, 0}, {10, 10}, {0, 0}}, {{2, 2}, {3, 2}, {3, 3}, {2, 2}}}},
+        {"  0  0   10 0\t10 10 ; 1 1 ", {{{0, 0}, {10, 0}, {10, 10}}, {{1, 1}}}},
+        {"1 2 1.0 2.00 3 4 3 4", {{{1, 2}, {3, 4}}}}, // equal numbers, other text
+        {"1 2 3 4 5", {{{1, 2}, {3, 4}}}},            // odd last coordinate dropped
+        {"1 2 x 3 4 5", {{{1, 2}, {4, 5}}}},          // a pair with no number skipped
+        {"1 2 3 4 1 2 3 4", {{{1, 2}, {3, 4}, {1, 2}, {3, 4}}}},
+        {"1 2;;3 4", {{{1, 2}}, {{3, 4}}}}, // an empty ring is left out
+        {"389000.125 5819000.5 -1e2 +7", {{{389000.125, 5819000.5}, {-100, 7}}}},
+    };
+    for (const auto& f : fälle) {
+        SkriptOberfläche ui;
+        const std::vector<Ring> ringe = RingeAusText(f.text, "", 0.01, &ui);
+        std::vector<std::vector<Punkt>> punkte;
+        for (const Ring& r : ringe)
+            punkte.push_back(r.punkte);
+        EXPECT_EQ(punkte, f.erwartet) << f.text;
+        EXPECT_TRUE(ui.Ereignisse().empty());
+    }
+}
+
+TEST(RingeAusText, BögenWerdenDurchSehnenErsetzt) {
+    // A quarter circle around the origin from (10 0) to (0 10) inside a closed ring.
+    const std::string bogen = "10 0 7.0710678 7.0710678 0 10";
+    const std::string text = "0 0 10 0 7.0710678 7.0710678 0 10 0 0";
+    const auto ohne = RingeAusText(text, "", 0.01, nullptr);
+    ASSERT_EQ(ohne.size(), 1U);
+    ASSERT_EQ(ohne[0].punkte.size(), 5U);
+
+    std::size_t grob = 0;
+    for (double pfeilhöhe : {0.01, 0.0001}) {
+        SCOPED_TRACE(pfeilhöhe);
+        const auto ringe = RingeAusText(text, "x y z; " + bogen + " ;", pfeilhöhe, nullptr);
+        ASSERT_EQ(ringe.size(), 1U);
+        const auto& p = ringe[0].punkte;
+        ASSERT_GT(p.size(), ohne[0].punkte.size());
+        EXPECT_EQ(p.front(), (Punkt{0, 0}));
+        EXPECT_EQ(p.back(), (Punkt{0, 0}));
+        EXPECT_EQ(p[1], (Punkt{10, 0}));
+        EXPECT_EQ(p[p.size() - 2], (Punkt{0, 10}));
+        for (std::size_t i = 1; i + 1 < p.size(); ++i)
+            EXPECT_NEAR(std::hypot(p[i].x, p[i].y), 10, 1e-3) << "Punkt " << i;
+        for (std::size_t i = 1; i < p.size(); ++i)
+            EXPECT_FALSE(p[i] == p[i - 1]) << "Punkt " << i << " doppelt";
+        if (grob == 0)
+            grob = p.size();
+        else
+            EXPECT_GT(p.size(), 5 * grob);
+    }
+}
+
+TEST(RingeAusText, BogenNurAlsGanzeZahlenErsetzt) {
+    // "10 0 ..." stands inside "110 0 ...", but not as whole numbers.
+    const auto ringe = RingeAusText("0 0 110 0 7.0710678 7.0710678 0 10",
+                                    "10 0 7.0710678 7.0710678 0 10", 0.01, nullptr);
+    ASSERT_EQ(ringe.size(), 1U);
+    EXPECT_EQ(ringe[0].punkte.size(), 4U);
+}
+
+TEST(PunktlisteText, KürzesteFormOhneExponent) {
+    const Ring ring{{{389000.5, 5819000.25}, {5800000, 0.0001}, {-0.0, 2}, {-12.75, 1e-7}}};
+    EXPECT_EQ(PunktlisteText(ring), "389000.5 5819000.25;5800000 0.0001;0 2;-12.75 0.0000001");
+    EXPECT_EQ(PunktlisteText(Ring{}), "");
+    // Read back, every number is the same double again.
+    const Ring krumm{{{0.1 + 0.2, 1.0 / 3}, {389000.1 * 3, -2.0 / 7}}};
+    EXPECT_EQ(Punkte(PunktlisteText(krumm)), krumm.punkte);
+}
+
+TEST(BoxMitte, MitteDesRechtecksAuf3Stellen) {
+    struct Fall {
+        std::string_view text;
+        double x;
+        double y;
+    };
+    const Fall fälle[] = {
+        {"0 0;10 0;10 5;0 5", 5, 2.5},
+        {"389000.1234 5819000.0001;389001.0000 5819002.0004", 389000.562, 5819001.0},
+        {"-4 -2 2 6", -1, 2},
+        {"1 2 3", 1, 2},
+        {"1 2; x 9; 3 4", 2, 3},
+        {"0.0004 0.0006 0 0", 0, 0.0},
+    };
+    for (const auto& f : fälle) {
+        const auto mitte = BoxMitte(f.text);
+        ASSERT_TRUE(mitte.has_value()) << f.text;
+        EXPECT_DOUBLE_EQ(mitte->x, f.x) << f.text;
+        EXPECT_DOUBLE_EQ(mitte->y, f.y) << f.text;
+    }
+    EXPECT_FALSE(BoxMitte("").has_value());
+    EXPECT_FALSE(BoxMitte("a b; c d").has_value());
+    EXPECT_FALSE(BoxMitte("7").has_value());
+    EXPECT_FALSE(BoxMitte(std::vector<Ring>{}).has_value());
+
+    const auto ringe = RingeAusText("0 0 10 0 10 5 0 5;2 1 3 1 3 2", "", 0.01, nullptr);
+    const auto mitte = BoxMitte(ringe);
+    ASSERT_TRUE(mitte.has_value());
+    EXPECT_EQ(*mitte, (Punkt{5, 2.5}));
+}
+
+TEST(Prüfsumme, LaufendeBytesummeModulo256) {
+    struct Fall {
+        std::string_view text;
+        std::string_view erwartet;
+    };
+    const Fall fälle[] = {
+        {"", ""},        {"AB", "65131"}, // 65, 65 + 66
+        {"ä", "228"},                     // one byte in Windows-1252
+        {"äA", "22837"},                  // (228 + 65) mod 256
+        {"€", "128"},    {"ÿÿÿ", "255254253"}, {"1 2;3", "4981131190241"}, // 49, +32, +50, +59, +51
+        {"\xFF", "63"}, // no UTF-8: counts as "?"
+    };
+    for (const auto& f : fälle)
+        EXPECT_EQ(Prüfsumme(f.text), f.erwartet) << f.text;
+    EXPECT_NE(Prüfsumme("1 2;3 4"), Prüfsumme("3 4;1 2"));
+}
+
+} // namespace
+} // namespace flurix::nas
