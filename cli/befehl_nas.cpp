@@ -5,6 +5,7 @@
 #include "core/datenbank.hpp"
 #include "core/einstellungen.hpp"
 #include "core/text.hpp"
+#include "nas/nas_datenbank.hpp"
 #include "nas/nas_einlesen.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -34,14 +35,22 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
     else
         auftrag.datenbank = sitzung.zustand.arbeitsverzeichnis /
                             ("_tmpDAOdbFile" + Ersetzen(ZeitStempelText(), " ", "") + ".sqlite");
-    nas::NasProtokoll protokoll(sitzung.ui, args->Hat("--ohne-protokoll")
-                                                ? std::filesystem::path()
-                                                : nas::NasProtokoll::DateiZu(auftrag.xmlDatei));
-    protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
     nas::NasStand stand;
-    const Ergebnis ergebnis = nas::DAO_ALKISEinlesen(auftrag, stand, sitzung.ui, protokoll);
+    Ergebnis ergebnis;
+    const auto endung = auftrag.xmlDatei.extension().string();
+    if (endung == ".sqlite" || endung == ".mdb" || endung == ".db") {
+        // A database saved earlier: opened again, no scan.
+        ergebnis = nas::NasDatenbankÖffnen(auftrag.xmlDatei, auftrag.datenbank, stand, sitzung.ui);
+    } else {
+        nas::NasProtokoll protokoll(sitzung.ui, args->Hat("--ohne-protokoll")
+                                                    ? std::filesystem::path()
+                                                    : nas::NasProtokoll::DateiZu(auftrag.xmlDatei));
+        protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
+        ergebnis = nas::DAO_ALKISEinlesen(auftrag, stand, sitzung.ui, protokoll);
+    }
     if (!ergebnis)
         return sitzung.Beenden(1);
+    fehler << stand.antrag.AntragsText() << '\n' << stand.antrag.SystemText() << '\n';
     try {
         auto db = nas::DAO_DatenbankÖffnen(auftrag.datenbank);
         for (const auto& tabelle : stand.tabellen)

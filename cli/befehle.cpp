@@ -91,13 +91,15 @@ const std::vector<Befehl>& Befehle() {
          "  geschrieben wurde (leere Tabelle, Ordner nicht beschreibbar, Datei in Bearbeitung).\n",
          BefehlExport},
         {"nas", "liest eine NAS-Datei (ALKIS) in ihre Objektdatenbank",
-         "Aufruf: flurix nas <datei.xml> [--db <datei.sqlite>] [--ohne-protokoll]\n"
+         "Aufruf: flurix nas <datei.xml>|<gespeichert.sqlite> [--db <datei.sqlite>] [--ohne-protokoll]\n"
          "  Liest jedes Objekt der NAS-Datei nach config/ALKIS_Knoten.dat in eine SQLite-Datenbank\n"
          "  (eine Tabelle je Objektart, eine je Beziehung), ergänzt Werte, Schlüssel und die\n"
          "  Antragsbeschreibung und gibt die Tabellen mit ihrer Zeilenzahl aus (TAB-getrennt).\n"
          "  --db <datei>       die Datenbank; ohne --db entsteht _tmpDAOdbFile<Datum Zeit>.sqlite\n"
          "                     im Arbeitsverzeichnis\n"
          "  --ohne-protokoll   keine Protokolldatei <datei.xml>.prn schreiben\n"
+         "  Eine gespeicherte NAS-Datenbank (.sqlite, .mdb, .db, erkannt an der Tabelle AP_PTO)\n"
+         "  wird ohne neues Einlesen in die Arbeitsdatenbank kopiert und ebenso aufgelistet.\n"
          "  Meldungen und Protokoll stehen auf stderr. Ende mit 1, wenn die Datei nicht gelesen\n"
          "  werden konnte (keine NAS-Datei, Knotendatei fehlt, Datenbank nicht beschreibbar).\n",
          BefehlNas},

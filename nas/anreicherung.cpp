@@ -240,7 +240,10 @@ Antragsbeschreibung AntragErgänzen(Datenbank& db, const std::filesystem::path& 
         if (erste.Schritt())
             paar = erste.Text(0);
     }
-    if (!paar.empty()) {
+    if (paar.starts_with("Bez: ")) {
+        // A system without EPSG code: its name is all there is.
+        antrag.systemName = paar.substr(5);
+    } else if (!paar.empty()) {
         antrag.systemName = KonfigWert(2, paar, "=", 1, epsgText);
         antrag.epsg = TokenNr(paar, 1, "_");
         antrag.mkz = TokenNr(paar, 2, "_");

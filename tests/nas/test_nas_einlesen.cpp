@@ -6,6 +6,7 @@
 #include "core/datenbank.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
+#include "nas/nas_datenbank.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
@@ -294,6 +295,24 @@ TEST(NasEinlesen, ZweitesKoordinatensystemWirdGemeldet) {
                                 "Beim Export nach Geograf oder DXF kann es zu Problemen kommen!   ");
 }
 
+TEST(NasEinlesen, SystemOhneEpsgCode) {
+    struct Fall {
+        std::string system, srsName, systemText;
+    };
+    for (const auto& fall : {Fall{"DE_DHDN_3GK3", "31467_3", "System: DE_DHDN_3GK3, EPSG: 31467 , MKZ: 3"},
+                             Fall{"LOKAL_RP_7", "Bez: LOKAL_RP_7", "System: LOKAL_RP_7, EPSG: 0000 , MKZ: 0"},
+                             Fall{"", "Bez: ", "System: , EPSG: 0000 , MKZ: 0"}}) {
+        SCOPED_TRACE(fall.system);
+        Lauf lauf;
+        std::string text = Nas({Flurstück("F1", "1")});
+        const std::string marke = "urn:adv:crs:ETRS89_UTM32";
+        text.replace(text.find(marke), marke.size(), fall.system.empty() ? "" : "urn:adv:crs:" + fall.system);
+        ASSERT_TRUE(lauf.Lesen(text));
+        EXPECT_EQ(lauf.Wert("SELECT srsName FROM AX_Flurstueck"), fall.srsName);
+        EXPECT_EQ(lauf.stand.antrag.SystemText(), fall.systemText);
+    }
+}
+
 TEST(NasEinlesen, SchlechteDateienEndenMitDerMeldung) {
     struct Fall {
         std::string name, text, meldung;
@@ -389,6 +408,39 @@ TEST(NasEinlesen, ProtokollZeilenUndTabellenliste) {
     EXPECT_NE(std::find(lauf.stand.tabellen.begin(), lauf.stand.tabellen.end(), "AX_Gemarkung_id#istAmtsbezirkVon"),
               lauf.stand.tabellen.end());
     EXPECT_TRUE(DAO_FeldVorhanden(*lauf.db, "AP_PTO", "flstnr"));
+}
+
+TEST(NasDatenbank, GespeicherteWirdWiederGeöffnetAndereAbgewiesen) {
+    Lauf lauf;
+    std::string text = Nas({Flurstück("F1", "1")});
+    text.insert(text.find('\n') + 1, "<antragsnr>A-1</antragsnr>\n");
+    ASSERT_TRUE(lauf.Lesen(text));
+    lauf.db.reset();
+    const auto gespeichert = lauf.ordner / "gespeichert.sqlite";
+    std::filesystem::copy_file(lauf.ordner / "nas.sqlite", gespeichert);
+
+    SkriptOberfläche ui;
+    NasStand stand;
+    ASSERT_TRUE(NasDatenbankÖffnen(gespeichert, lauf.ordner / "arbeit.sqlite", stand, ui));
+    EXPECT_EQ(stand.antrag.AntragsText(), "AntragsNr.: A-1");
+    EXPECT_EQ(stand.antrag.SystemText(), "System: ETRS89_UTM32, EPSG: 25832 , MKZ: 32");
+    EXPECT_EQ(stand.tabellen, lauf.stand.tabellen);
+    EXPECT_TRUE(std::filesystem::exists(lauf.ordner / "arbeit.sqlite"));
+
+    // Without AP_PTO, or no database at all: refused, the work database untouched.
+    {
+        Datenbank fremd(lauf.ordner / "fremd.sqlite");
+        fremd.AusführenNativ("CREATE TABLE AX_Flurstueck (id TEXT)");
+    }
+    DateiSchreiben(lauf.ordner / "text.sqlite", "kein SQLite");
+    for (const char* name : {"fremd.sqlite", "text.sqlite", "fehlt.sqlite"}) {
+        SCOPED_TRACE(name);
+        SkriptOberfläche abgewiesen;
+        NasStand leer;
+        EXPECT_FALSE(NasDatenbankÖffnen(lauf.ordner / name, lauf.ordner / "arbeit2.sqlite", leer, abgewiesen));
+        EXPECT_EQ(abgewiesen.Meldungen(), std::vector<std::string>{MeldungUngültigeNasDatenbank});
+        EXPECT_FALSE(std::filesystem::exists(lauf.ordner / "arbeit2.sqlite"));
+    }
 }
 
 } // namespace
