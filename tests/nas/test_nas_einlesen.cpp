@@ -313,6 +313,47 @@ TEST(NasEinlesen, SystemOhneEpsgCode) {
     }
 }
 
+TEST(NasEinlesen, GroßeDateienFragenOderWerdenAbgewiesen) {
+    // Sparse files: the size counts, not the bytes on the disk.
+    struct Fall {
+        std::uintmax_t größe;
+        std::string meldung, frage, protokoll;
+    };
+    const std::vector<Fall> fälle{
+        {GroßeNasDatei + 1, "",
+         "Die Ausgangsdatei ist zu groß! Die entsprechende Datenbank wird die zulässige Datenbankgröße "
+         "von 2.147.254.272 Bytes überschreiten. Soll trotzdem versucht werden, alle Daten einzulesen? "
+         "Planen Sie dann bitte eine längere Wartezeit ein!",
+         ", Datei zu groß, Import abgebrochen..."},
+        {4'294'967'297, "Fehler: Ausgangsdatei ist mit > 4.294.967.296 Byte zu groß!   ", "", ""},
+    };
+    for (const auto& fall : fälle) {
+        SCOPED_TRACE(fall.größe);
+        TempOrdner ordner;
+        const auto datei = ordner / "gross.xml";
+        DateiSchreiben(datei, Nas({Flurstück("F1", "1")}));
+        std::error_code fehler;
+        std::filesystem::resize_file(datei, fall.größe, fehler);
+        if (fehler)
+            GTEST_SKIP() << "Keine Datei dieser Größe möglich: " << fehler.message();
+        SkriptOberfläche ui({Antwort::Nein});
+        NasStand stand;
+        NasProtokoll protokoll(ui, {});
+        const auto ergebnis = DAO_ALKISEinlesen({datei, ordner / "nas.sqlite", Konfig}, stand, ui, protokoll);
+        EXPECT_FALSE(ergebnis);
+        EXPECT_FALSE(std::filesystem::exists(ordner / "nas.sqlite"));
+        EXPECT_EQ(ui.Meldungen(), fall.meldung.empty() ? std::vector<std::string>{}
+                                                       : std::vector<std::string>{fall.meldung});
+        EXPECT_EQ(ui.Fragen(), fall.frage.empty() ? std::vector<std::string>{}
+                                                  : std::vector<std::string>{fall.frage});
+        const auto zeilen = ui.Texte(Ereignis::Art::Protokoll);
+        if (!fall.protokoll.empty()) {
+            ASSERT_EQ(zeilen.size(), 1u);
+            EXPECT_EQ(zeilen.front().substr(8), fall.protokoll);
+        }
+    }
+}
+
 TEST(NasEinlesen, SchlechteDateienEndenMitDerMeldung) {
     struct Fall {
         std::string name, text, meldung;

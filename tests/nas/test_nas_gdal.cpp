@@ -1,0 +1,372 @@
+// The NAS import measured against a reader we did not write: GDAL's NAS driver (ogrinfo) reads the
+// real test district, and our object database of the same file must hold as many features per
+// class, the same parcel keys and the same parcel attributes as GDAL finds.
+//
+// The district is licensed for tests only: it is read where it lies, decompressed once into the
+// build tree (and reused while its size is right), and never copied into the repository. ogrinfo
+// writes a .gfs file beside its input, so it reads a link to the file in a folder of its own.
+// The tests are skipped with a message when the archive, xz or ogrinfo is missing.
+
+#include "nas/nas_einlesen.hpp"
+
+#include "core/datenbank.hpp"
+#include "core/oberflaeche_batch.hpp"
+#include "gemeinsam/testumgebung.hpp"
+#include "nas/nas_protokoll.hpp"
+#include "nas/objektdatenbank.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace flurix::nas {
+namespace {
+
+using test::TempOrdner;
+
+constexpr std::uintmax_t BezirkBytes = 119'575'596;
+const std::filesystem::path Archiv = test::GemeinsameTestdaten() / "postnas-rlp-gid60" /
+                                     "gm2566-testdaten-gid60-2008-11-11.xml.xz";
+const std::filesystem::path Entpackt = std::filesystem::path(FLURIX_BINAER) / ".." / "testdaten" /
+                                       "gm2566-testdaten-gid60-2008-11-11.xml";
+const std::filesystem::path Konfig = std::filesystem::path(FLURIX_QUELLEN) / "config";
+
+std::string Klein(std::string_view text) {
+    std::string aus(text);
+    std::transform(aus.begin(), aus.end(), aus.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return aus;
+}
+
+bool ImSuchpfad(std::string_view programm) {
+    const char* pfad = std::getenv("PATH");
+    std::string_view rest = pfad ? pfad : "/usr/bin:/bin";
+    while (!rest.empty()) {
+        const auto ende = rest.find(':');
+        const std::filesystem::path ordner(rest.substr(0, ende));
+        rest = ende == std::string_view::npos ? std::string_view{} : rest.substr(ende + 1);
+        if (!ordner.empty() && ::access((ordner / programm).c_str(), X_OK) == 0)
+            return true;
+    }
+    return false;
+}
+
+// A path as one word for the shell.
+std::string Wort(const std::filesystem::path& pfad) {
+    std::string aus = "'";
+    for (const char c : pfad.string())
+        aus += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return aus + "'";
+}
+
+struct Lauf {
+    int status = -1;
+    std::string ausgabe;
+};
+
+Lauf Ausführen(const std::string& befehl) {
+    Lauf lauf;
+    FILE* rohr = ::popen(befehl.c_str(), "r");
+    if (!rohr)
+        return lauf;
+    std::array<char, 65536> puffer{};
+    std::size_t n = 0;
+    while ((n = std::fread(puffer.data(), 1, puffer.size(), rohr)) > 0)
+        lauf.ausgabe.append(puffer.data(), n);
+    lauf.status = ::pclose(rohr);
+    return lauf;
+}
+
+// The decompressed district, or why there is none: `fehlt` skips, `fehler` fails.
+struct Bezirk {
+    std::filesystem::path xml;
+    std::string fehlt;
+    std::string fehler;
+};
+
+Bezirk BezirkBereitstellen() {
+    Bezirk b;
+    if (!std::filesystem::exists(Archiv))
+        b.fehlt = "Testbezirk fehlt (" + Archiv.string() + "): kein Vergleich mit GDAL.";
+    else if (!ImSuchpfad("xz"))
+        b.fehlt = "xz fehlt: der Testbezirk kann nicht entpackt werden.";
+    else if (!ImSuchpfad("ogrinfo"))
+        b.fehlt = "ogrinfo (gdal-bin) fehlt: kein Vergleich mit GDAL.";
+    if (!b.fehlt.empty())
+        return b;
+    std::error_code ec;
+    if (std::filesystem::file_size(Entpackt, ec) != BezirkBytes) {
+        // Written beside the target under a name of this process and renamed when whole, so that
+        // test processes running side by side never read a half-written file.
+        std::filesystem::create_directories(Entpackt.parent_path());
+        auto teil = Entpackt;
+        teil += "." + std::to_string(::getpid()) + ".teil";
+        const auto lauf = Ausführen("xz -dc " + Wort(Archiv) + " > " + Wort(teil) + " 2>&1");
+        if (lauf.status != 0 || std::filesystem::file_size(teil, ec) != BezirkBytes) {
+            std::filesystem::remove(teil, ec);
+            b.fehler = "xz -dc " + Archiv.string() + " gab nicht die erwarteten " +
+                       std::to_string(BezirkBytes) + " Bytes: " + lauf.ausgabe;
+            return b;
+        }
+        std::filesystem::rename(teil, Entpackt);
+    }
+    b.xml = Entpackt;
+    return b;
+}
+
+const Bezirk& TestBezirk() {
+    static const Bezirk bezirk = BezirkBereitstellen();
+    return bezirk;
+}
+
+// One parcel: its identifier and its attributes by name (GDAL's field names, or ours mapped to them).
+struct Flurstück {
+    std::string id;
+    std::map<std::string, std::string> felder;
+};
+
+// What ogrinfo found: features per class (lower-case class name) and the parcels in file order.
+struct GdalBefund {
+    std::map<std::string, long long> klassen;
+    std::vector<Flurstück> flurstücke;
+    std::string fehler;
+};
+
+// ogrinfo on a link to the district in a scratch folder, for the .gfs file it leaves there; the
+// environment's schema templates are switched off, so GDAL builds its schema from the file.
+Lauf Ogrinfo(const std::string& argumente) {
+    TempOrdner ordner;
+    const auto link = ordner / "bezirk.xml";
+    std::error_code ec;
+    std::filesystem::create_hard_link(TestBezirk().xml, link, ec);
+    if (ec)
+        std::filesystem::copy_file(TestBezirk().xml, link);
+    return Ausführen("env -u NAS_GFS_TEMPLATE -u GML_GFS_TEMPLATE ogrinfo -ro " + argumente + " " +
+                     Wort(link) + " 2>/dev/null");
+}
+
+// "  name (Type) = value" → name and value.
+bool FeldZeile(std::string_view zeile, std::string& name, std::string& wert) {
+    if (!zeile.starts_with("  ") || zeile.starts_with("   "))
+        return false;
+    const auto klammer = zeile.find(" (");
+    const auto gleich = zeile.find(") = ", klammer);
+    if (klammer == std::string_view::npos || gleich == std::string_view::npos)
+        return false;
+    name = zeile.substr(2, klammer - 2);
+    wert = zeile.substr(gleich + 4);
+    return true;
+}
+
+GdalBefund GdalLesen() {
+    GdalBefund befund;
+    const auto übersicht = Ogrinfo("-so -al");
+    if (übersicht.status != 0) {
+        befund.fehler = "ogrinfo -so -al endete mit " + std::to_string(übersicht.status);
+        return befund;
+    }
+    std::istringstream zeilen(übersicht.ausgabe);
+    std::string zeile, klasse;
+    while (std::getline(zeilen, zeile)) {
+        if (zeile.starts_with("Layer name: "))
+            klasse = Klein(zeile.substr(12));
+        else if (zeile.starts_with("Feature Count: ") && !klasse.empty())
+            befund.klassen[klasse] = std::stoll(zeile.substr(15));
+    }
+    const auto flurstücke = Ogrinfo("-q -geom=NO AX_Flurstueck");
+    if (flurstücke.status != 0) {
+        befund.fehler = "ogrinfo AX_Flurstueck endete mit " + std::to_string(flurstücke.status);
+        return befund;
+    }
+    std::istringstream merkmale(flurstücke.ausgabe);
+    std::string name, wert;
+    while (std::getline(merkmale, zeile)) {
+        if (zeile.starts_with("OGRFeature("))
+            befund.flurstücke.emplace_back();
+        else if (!befund.flurstücke.empty() && FeldZeile(zeile, name, wert))
+            befund.flurstücke.back().felder[name] = wert;
+    }
+    for (auto& f : befund.flurstücke)
+        f.id = f.felder["gml_id"];
+    return befund;
+}
+
+const GdalBefund& Gdal() {
+    static const GdalBefund befund = GdalLesen();
+    return befund;
+}
+
+// Our import of the district: rows per table, and the parcels with the attributes GDAL names.
+struct UnserBefund {
+    Ergebnis ergebnis;
+    std::string meldungen;
+    std::vector<std::pair<std::string, std::int64_t>> tabellen;
+    std::map<std::string, Flurstück> flurstücke; // by identifier as the file writes it
+};
+
+UnserBefund Einlesen() {
+    UnserBefund befund;
+    TempOrdner ordner;
+    std::ostringstream meldungen;
+    BatchOberfläche ui(meldungen);
+    NasProtokoll protokoll(ui, {});
+    NasStand stand;
+    const NasAuftrag auftrag{TestBezirk().xml, ordner / "bezirk.sqlite", Konfig};
+    befund.ergebnis = DAO_ALKISEinlesen(auftrag, stand, ui, protokoll);
+    befund.meldungen = meldungen.str();
+    if (!befund.ergebnis)
+        return befund;
+    const auto db = DAO_DatenbankÖffnen(auftrag.datenbank);
+    for (const auto& tabelle : DAO_Tabellen(*db))
+        befund.tabellen.emplace_back(tabelle, DAO_Zeilenzahl(*db, tabelle));
+    // Our column → GDAL's field of the same element.
+    const std::vector<std::pair<std::string, std::string>> spalten = {
+        {"flurstueckskennzeichen", "flurstueckskennzeichen"},
+        {"amtlicheFlaeche", "amtlicheFlaeche"},
+        {"gemarkung/AX_Gemarkung_Schluessel/gemarkungsnummer", "gemarkungsnummer"},
+        {"flurnummer", "flurnummer"},
+        {"flurstuecksnummer/AX_Flurstuecksnummer/zaehler", "zaehler"},
+        {"flurstuecksnummer/AX_Flurstuecksnummer/nenner", "nenner"},
+    };
+    std::string sql = "SELECT id";
+    for (const auto& [spalte, feld] : spalten)
+        sql += ", \"" + spalte + "\"";
+    auto abfrage = db->VorbereitenNativ(sql + " FROM AX_Flurstueck");
+    while (abfrage.Schritt()) {
+        Flurstück f;
+        // The database keys carry an apostrophe behind each lower-case letter.
+        for (const char c : abfrage.Text(0))
+            if (c != '\'')
+                f.id += c;
+        for (std::size_t i = 0; i < spalten.size(); ++i)
+            f.felder[spalten[i].second] = abfrage.Text(static_cast<int>(i + 1));
+        befund.flurstücke[f.id] = std::move(f);
+    }
+    return befund;
+}
+
+const UnserBefund& Unser() {
+    static const UnserBefund befund = Einlesen();
+    return befund;
+}
+
+// The classes of the node file, as its "<Klasse" lines name them.
+std::vector<std::string> KlassenDerKnotendatei() {
+    std::vector<std::string> klassen;
+    std::ifstream datei(Konfig / "ALKIS_Knoten.dat", std::ios::binary);
+    std::string zeile;
+    while (std::getline(datei, zeile)) {
+        while (!zeile.empty() && std::isspace(static_cast<unsigned char>(zeile.back())))
+            zeile.pop_back();
+        if (zeile.starts_with("<"))
+            klassen.push_back(zeile.substr(1));
+    }
+    return klassen;
+}
+
+bool IstObjektklasse(std::string_view tabelle) {
+    return tabelle.find('#') == std::string_view::npos && tabelle != "Antragsbeschreibung";
+}
+
+std::optional<double> Zahl(std::string_view text) {
+    double wert = 0;
+    const auto [ende, fehler] = std::from_chars(text.data(), text.data() + text.size(), wert);
+    if (fehler != std::errc() || ende != text.data() + text.size())
+        return std::nullopt;
+    return wert;
+}
+
+class NasGegenGdal : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!TestBezirk().fehlt.empty())
+            GTEST_SKIP() << TestBezirk().fehlt;
+        ASSERT_EQ(TestBezirk().fehler, "");
+        ASSERT_TRUE(Unser().ergebnis) << Unser().ergebnis.Meldung() << "\n" << Unser().meldungen;
+        ASSERT_EQ(Gdal().fehler, "");
+    }
+};
+
+TEST_F(NasGegenGdal, ObjekteJeKlasseWieGdalSieZählt) {
+    const auto& gdal = Gdal().klassen;
+    ASSERT_TRUE(gdal.contains("ax_flurstueck")) << "GDAL hat die Datei nicht als NAS gelesen";
+    std::map<std::string, std::int64_t> unsere;
+    for (const auto& [tabelle, zeilen] : Unser().tabellen)
+        if (IstObjektklasse(tabelle))
+            unsere[Klein(tabelle)] = zeilen;
+    // Every table of ours against GDAL: a class GDAL does not list must have stayed empty.
+    int verglichen = 0;
+    for (const auto& [tabelle, zeilen] : unsere) {
+        const auto treffer = gdal.find(tabelle);
+        if (treffer == gdal.end()) {
+            EXPECT_EQ(zeilen, 0) << tabelle << ": Zeilen, wo GDAL keine Objekte findet";
+        } else {
+            EXPECT_EQ(zeilen, treffer->second) << tabelle;
+            ++verglichen;
+        }
+    }
+    // Every class of the node file that GDAL finds features of has its table, with all of them.
+    for (const auto& klasse : KlassenDerKnotendatei()) {
+        const auto treffer = gdal.find(Klein(klasse));
+        if (treffer != gdal.end() && treffer->second > 0) {
+            EXPECT_TRUE(unsere.contains(Klein(klasse)))
+                << klasse << ": keine Tabelle, GDAL findet " << treffer->second << " Objekte";
+        }
+    }
+    EXPECT_GT(verglichen, 10);
+}
+
+TEST_F(NasGegenGdal, FlurstückskennzeichenUndStichprobeDerMerkmale) {
+    const auto& gdal = Gdal().flurstücke;
+    const auto& unsere = Unser().flurstücke;
+    ASSERT_FALSE(gdal.empty());
+    // The keys: ours store "0" where the file writes "_".
+    std::vector<std::string> erwartet, gelesen;
+    for (const auto& f : gdal) {
+        auto kennzeichen = f.felder.at("flurstueckskennzeichen");
+        std::replace(kennzeichen.begin(), kennzeichen.end(), '_', '0');
+        erwartet.push_back(kennzeichen);
+    }
+    for (const auto& [id, f] : unsere)
+        gelesen.push_back(f.felder.at("flurstueckskennzeichen"));
+    std::sort(erwartet.begin(), erwartet.end());
+    std::sort(gelesen.begin(), gelesen.end());
+    EXPECT_EQ(gelesen, erwartet);
+
+    // Every 100th parcel in the order of the file: area, district and parcel number as GDAL has
+    // them; an attribute GDAL does not print for a parcel is empty in ours.
+    for (std::size_t i = 0; i < gdal.size(); i += 100) {
+        const auto& soll = gdal[i];
+        SCOPED_TRACE(soll.id);
+        const auto treffer = unsere.find(soll.id);
+        ASSERT_NE(treffer, unsere.end()) << "Flurstück fehlt in der Datenbank";
+        const auto& ist = treffer->second.felder;
+        for (const std::string feld : {"amtlicheFlaeche", "gemarkungsnummer", "flurnummer", "zaehler", "nenner"}) {
+            const auto wert = soll.felder.find(feld);
+            if (wert == soll.felder.end()) {
+                EXPECT_EQ(ist.at(feld), "") << feld;
+                continue;
+            }
+            const auto a = Zahl(ist.at(feld)), b = Zahl(wert->second);
+            ASSERT_TRUE(a && b) << feld << ": " << ist.at(feld) << " / " << wert->second;
+            EXPECT_DOUBLE_EQ(*a, *b) << feld;
+        }
+    }
+}
+
+} // namespace
+} // namespace flurix::nas
