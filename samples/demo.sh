@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The main job on the bundled samples, in a scratch copy (the dispatch converts UNIX line ends in
 # place): each input is recognised, the WLDGE extract is read completely into the table Kataster
-# and written as .tsv and .fil, and a few columns of the result are shown.
+# and written as .tsv and .fil, and a few columns of the result are shown; the NAS sample goes
+# into its object database.
 set -euo pipefail
 flurix=${1:?Aufruf: demo.sh <pfad zu flurix>}
 hier=$(cd "$(dirname "$0")" && pwd)
@@ -41,3 +42,9 @@ echo
 echo "== flurix import musterstadt_bestandsdatenauszug.xml"
 "$flurix" import "$arbeit"/musterstadt_bestandsdatenauszug.xml 2>&1 && code=0 || code=$?
 echo "(Ende mit $code)"
+echo
+echo "== flurix nas musterstadt_bestandsdatenauszug.xml --db nas.sqlite (Tabellen mit Zeilen)"
+"$flurix" nas "$arbeit"/musterstadt_bestandsdatenauszug.xml --db "$arbeit"/nas.sqlite 2>/dev/null |
+    awk -F'\t' '$2 > 0 { printf "%-55s %s\n", $1, $2 }'
+echo "-- Protokoll $(basename "$arbeit")/musterstadt_bestandsdatenauszug.xml.prn:"
+iconv -f WINDOWS-1252 -t UTF-8 "$arbeit"/musterstadt_bestandsdatenauszug.xml.prn | tr -d '\r'
