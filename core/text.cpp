@@ -69,4 +69,12 @@ std::string Ersetzen(std::string_view text, std::string_view alt, std::string_vi
     return ergebnis;
 }
 
+std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen) {
+    std::size_t gezählt = 0;
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80 && gezählt++ == zeichen)
+            return text.substr(0, i);
+    return text;
+}
+
 } // namespace flurix

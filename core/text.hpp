@@ -22,6 +22,9 @@ double ZahlLesen(std::string_view text);
 /// cleaning of register texts and list lines.
 std::string TextSäubern(std::string_view text);
 
+/// The first `zeichen` characters (not bytes) of UTF-8 text; a letter is never split.
+std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen);
+
 /// Every occurrence of `alt` replaced by `neu`, left to right, without rescanning what was inserted.
 std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu);
 

@@ -264,12 +264,7 @@ Antragsbeschreibung AntragErgänzen(Datenbank& db, const std::filesystem::path& 
 } // namespace
 
 std::string Antragsbeschreibung::AntragsText() const {
-    // The first 30 characters, not bytes.
-    std::size_t zeichen = 0, i = 0;
-    for (; i < antragsnummer.size(); ++i)
-        if ((static_cast<unsigned char>(antragsnummer[i]) & 0xC0) != 0x80 && zeichen++ == 30)
-            break;
-    return "AntragsNr.: " + antragsnummer.substr(0, i);
+    return "AntragsNr.: " + std::string(Utf8Anfang(antragsnummer, 30));
 }
 
 std::string Antragsbeschreibung::SystemText() const {

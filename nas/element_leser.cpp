@@ -90,17 +90,6 @@ std::string Text(pugi::xml_node knoten) {
     return text;
 }
 
-// A text column of the default size keeps its first 255 characters (not bytes).
-void Kürzen(std::string& wert) {
-    std::size_t zeichen = 0;
-    for (std::size_t i = 0; i < wert.size(); ++i) {
-        if ((static_cast<unsigned char>(wert[i]) & 0xC0) != 0x80 && zeichen++ == TextLänge) {
-            wert.resize(i);
-            return;
-        }
-    }
-}
-
 std::string HinterLetztemDoppelpunkt(std::string_view wert) {
     const auto pos = wert.rfind(':');
     return std::string(pos == std::string_view::npos ? wert : wert.substr(pos + 1));
@@ -198,6 +187,7 @@ struct ElementLeser::Intern {
     std::vector<Fund> funde;
     std::vector<std::vector<std::size_t>> klassenJeTag;
     bool ersteZeichen[256] = {};
+    std::vector<pugi::xml_node> oben; // the feature elements of the class being read
     std::vector<pugi::xml_node> auswahl;
     std::vector<std::string> werte;
     std::vector<std::pair<std::string, std::string>> relationszeilen;
@@ -345,9 +335,9 @@ std::string_view ElementLeser::Objekt(std::string_view text) {
 
 void ElementLeser::Zeilen(Klasse& klasse, const Fund& fund) {
     auto& intern = *m_intern;
-    intern.auswahl.clear();
-    Wählen(intern.dokument, klasse.oben, 0, intern.auswahl);
-    const std::vector<pugi::xml_node> oben = intern.auswahl;
+    auto& oben = intern.oben;
+    oben.clear();
+    Wählen(intern.dokument, klasse.oben, 0, oben);
 
     for (std::size_t k = 0; k < fund.knoten.size(); ++k) {
         const pugi::xml_node merkmal = k < oben.size() ? oben[k] : pugi::xml_node();
@@ -423,8 +413,9 @@ void ElementLeser::Zeilen(Klasse& klasse, const Fund& fund) {
                     wert = m_rahmen.srsWert;
                 auto& spalte = intern.werte[static_cast<std::size_t>(feld.spalte)];
                 spalte = std::move(wert);
+                // A text column of the default size keeps its first 255 characters.
                 if (klasse.kurz[static_cast<std::size_t>(feld.spalte)])
-                    Kürzen(spalte);
+                    spalte.resize(Utf8Anfang(spalte, TextLänge).size());
                 break;
             }
             }
