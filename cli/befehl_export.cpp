@@ -2,6 +2,7 @@
 
 #include "cli/argumente.hpp"
 #include "cli/sitzung.hpp"
+#include "cli/tabelle_schreiben.hpp"
 #include "core/fehler.hpp"
 #include "core/kataster.hpp"
 #include "core/kataster_datei.hpp"
@@ -14,28 +15,6 @@
 
 namespace flurix::cli {
 namespace {
-
-// The formats of --format. html and tsv have no entry in the save dialog: they are told apart by
-// an empty Speicherformat.
-struct Exportformat {
-    std::string_view name;
-    std::optional<ausgabe::Speicherformat> dialog;
-};
-
-constexpr Exportformat Exportformate[] = {
-    {"txt-tab", ausgabe::Speicherformat::TextTab}, {"txt-dollar", ausgabe::Speicherformat::TextDollar},
-    {"xlsx", ausgabe::Speicherformat::Excel},      {"xml", ausgabe::Speicherformat::Xml},
-    {"fil", ausgabe::Speicherformat::Flurix},      {"sqlite", ausgabe::Speicherformat::Access},
-    {"geograf", ausgabe::Speicherformat::Geograf}, {"html", std::nullopt},
-    {"tsv", std::nullopt},
-};
-
-const Exportformat* FormatFinden(std::string_view name) {
-    for (const auto& format : Exportformate)
-        if (format.name == name)
-            return &format;
-    return nullptr;
-}
 
 // --nur-markierte: the marked rows become the selection, as marks do for the GEOgraf export.
 std::size_t MarkierteAuswählen(Kataster& kataster) {
@@ -62,8 +41,8 @@ int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, s
     }
     const Exportformat* format = FormatFinden(*formatName);
     if (format == nullptr) {
-        fehler << "flurix export: unbekanntes Format \"" << *formatName
-               << "\" (txt-tab, txt-dollar, xlsx, xml, fil, sqlite, html, tsv, geograf).\n";
+        fehler << "flurix export: unbekanntes Format \"" << *formatName << "\" (" << FormatNamen()
+               << ").\n";
         return 2;
     }
 
@@ -86,21 +65,7 @@ int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, s
         return sitzung.Beenden(1);
     }
 
-    Ergebnis ergebnis;
-    if (format->dialog) {
-        const ausgabe::Speicherumgebung ort{sitzung.zustand.arbeitsverzeichnis,
-                                            ausgabe::Zielname::WieAngegeben, {}};
-        ergebnis = ausgabe::ALBDatenSpeichernUnter(kataster, *format->dialog, *out, ort, sitzung.ui);
-    } else if (format->name == "html") {
-        ergebnis = ausgabe::CreateGridReport(kataster, *out, sitzung.ui);
-    } else {
-        try {
-            KatasterSpeichern(kataster, *out);
-            ergebnis = Ergebnis::Ok();
-        } catch (const Fehler& f) {
-            fehler << f.what() << '\n';
-        }
-    }
+    const Ergebnis ergebnis = TabelleSchreiben(kataster, *format, *out, sitzung, fehler);
     if (ergebnis)
         aus << *out << '\n';
     return sitzung.Beenden(Exitcode(ergebnis));

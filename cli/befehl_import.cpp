@@ -1,6 +1,7 @@
 #include "cli/befehle.hpp"
 
 #include "cli/argumente.hpp"
+#include "cli/nas_lauf.hpp"
 #include "cli/sitzung.hpp"
 #include "core/kataster.hpp"
 #include "core/kataster_datei.hpp"
@@ -63,6 +64,12 @@ int BefehlImport(const std::vector<std::string>& argumente, std::ostream& aus, s
                                sitzung.zustand.installation.Spaltenansichten(),
                                sitzung.zustand.gewünschteAnsicht, args->Hat("--anfuegen")};
     import::LeserEintragen(ladeumgebung, kataster, sitzung.ui, ort);
+    // NAS goes the direct way into the table, as "Import direkt in den Flurix" does.
+    ladeumgebung.leser.nasFenster = [&sitzung, &kataster](const std::filesystem::path& datei) {
+        nas::NasDirektBericht bericht;
+        return nas::NasDirektImport(NasAuftragFür(sitzung, datei, std::nullopt), kataster,
+                                    sitzung.ui, bericht);
+    };
     auto& optionen = ladeumgebung.optionen;
     optionen.albKomplett = args->Hat("--komplett");
     optionen.alleEigentümerInEinerZeile = args->Hat("--alle-eigentuemer-in-einer-zeile");

@@ -1,52 +1,36 @@
 #include "cli/befehle.hpp"
 
 #include "cli/argumente.hpp"
+#include "cli/nas_lauf.hpp"
 #include "cli/sitzung.hpp"
+#include "cli/tabelle_schreiben.hpp"
 #include "core/datenbank.hpp"
-#include "core/einstellungen.hpp"
-#include "core/text.hpp"
+#include "core/kataster.hpp"
 #include "nas/nas_datenbank.hpp"
-#include "nas/nas_einlesen.hpp"
+#include "nas/nas_direkt.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
 #include <ostream>
 
 namespace flurix::cli {
+namespace {
 
-int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
-              const Umgebung& umgebung) {
-    const auto args = ArgumenteLesen(argumente, {"--ohne-protokoll"}, {"--db"}, fehler);
-    if (!args)
-        return 2;
-    if (args->positionen.size() != 1) {
-        fehler << "flurix nas: Bitte genau eine NAS-Datei angeben.\n";
-        return 2;
-    }
-    Sitzung sitzung(umgebung, fehler);
-    if (!sitzung.Starten(""))
-        return 1;
-
-    nas::NasAuftrag auftrag;
-    auftrag.xmlDatei = args->positionen.front();
-    auftrag.konfigOrdner = sitzung.zustand.installation.Konfig();
-    if (const auto db = args->Wert("--db"))
-        auftrag.datenbank = *db;
-    else
-        auftrag.datenbank = sitzung.zustand.arbeitsverzeichnis /
-                            ("_tmpDAOdbFile" + Ersetzen(ZeitStempelText(), " ", "") + ".sqlite");
+/// The scan alone: the tables of the object database with their rows.
+int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, std::ostream& aus,
+             std::ostream& fehler) {
     nas::NasStand stand;
     Ergebnis ergebnis;
-    const auto endung = auftrag.xmlDatei.extension().string();
-    if (endung == ".sqlite" || endung == ".mdb" || endung == ".db") {
+    if (nas::IstNasDatenbankDatei(auftrag.datei)) {
         // A database saved earlier: opened again, no scan.
-        ergebnis = nas::NasDatenbankÖffnen(auftrag.xmlDatei, auftrag.datenbank, stand, sitzung.ui);
+        ergebnis = nas::NasDatenbankÖffnen(auftrag.datei, auftrag.datenbank, stand, sitzung.ui);
     } else {
-        nas::NasProtokoll protokoll(sitzung.ui, args->Hat("--ohne-protokoll")
+        nas::NasProtokoll protokoll(sitzung.ui, auftrag.optionen.protokollNichtSchreiben
                                                     ? std::filesystem::path()
-                                                    : nas::NasProtokoll::DateiZu(auftrag.xmlDatei));
+                                                    : nas::NasProtokoll::DateiZu(auftrag.datei));
         protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
-        ergebnis = nas::DAO_ALKISEinlesen(auftrag, stand, sitzung.ui, protokoll);
+        const nas::NasAuftrag einlesen{auftrag.datei, auftrag.datenbank, auftrag.konfigOrdner};
+        ergebnis = nas::DAO_ALKISEinlesen(einlesen, stand, sitzung.ui, protokoll);
     }
     if (!ergebnis)
         return sitzung.Beenden(1);
@@ -60,6 +44,70 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
         return sitzung.Beenden(1);
     }
     fehler << "Datenbank: " << auftrag.datenbank.string() << '\n';
+    return sitzung.Beenden(0);
+}
+
+} // namespace
+
+int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
+              const Umgebung& umgebung) {
+    const auto args = ArgumenteLesen(argumente, {"--ohne-protokoll", "--nutzung-ohne-ax"},
+                                     {"--db", "--out", "--format", "--optionen"}, fehler);
+    if (!args)
+        return 2;
+    if (args->positionen.size() != 1) {
+        fehler << "flurix nas: Bitte genau eine NAS-Datei angeben.\n";
+        return 2;
+    }
+    const auto out = args->Wert("--out");
+    const Exportformat* format = nullptr;
+    if (out) {
+        const auto name = args->Wert("--format");
+        format = name ? FormatFinden(*name) : FormatAusEndung(*out);
+        if (format == nullptr) {
+            fehler << "flurix nas: Das Format der Tabelle ist unbekannt; --format mit "
+                   << FormatNamen() << " angeben.\n";
+            return 2;
+        }
+    } else if (args->Wert("--format")) {
+        fehler << "flurix nas: --format gilt nur mit --out.\n";
+        return 2;
+    }
+
+    Sitzung sitzung(umgebung, fehler);
+    if (!sitzung.Starten(""))
+        return 1;
+    const auto db = args->Wert("--db");
+    nas::NasDirektAuftrag auftrag = NasAuftragFür(
+        sitzung, args->positionen.front(),
+        db ? std::optional<std::filesystem::path>(*db)
+           : std::optional<std::filesystem::path>(nas::NasArbeitsdatenbank(sitzung.zustand.arbeitsverzeichnis)));
+    auftrag.optionen = nas::NasOptionen::AusText(args->Wert("--optionen").value_or(""));
+    if (args->Hat("--ohne-protokoll"))
+        auftrag.optionen.protokollNichtSchreiben = true;
+    if (args->Hat("--nutzung-ohne-ax"))
+        auftrag.optionen.nutzungOhneAx = true;
+    if (!out)
+        return Einlesen(sitzung, auftrag, aus, fehler);
+
+    if (!db) // the work database of a whole import is not kept
+        sitzung.zustand.arbeitsdatenbanken.push_back(auftrag.datenbank);
+    Kataster kataster;
+    nas::NasDirektBericht bericht;
+    const Ergebnis importiert = nas::NasDirektImport(auftrag, kataster, sitzung.ui, bericht);
+    // The protocol goes to the run's log; the hints on what could not be joined belong on screen.
+    for (const auto& hinweis : bericht.zusammenstellung.reorganisation.Hinweise())
+        fehler << hinweis.substr(2) << '\n';
+    if (bericht.zusammenstellung.zuordnung.fehlgeschlagen > 0)
+        fehler << "Hinweis: " << bericht.zusammenstellung.zuordnung.fehlgeschlagen
+               << " Zeile(n) von ALKIS_Zuordnung.dat fehlgeschlagen (siehe Protokoll)\n";
+    if (!importiert)
+        return sitzung.Beenden(1);
+    const Ergebnis geschrieben = TabelleSchreiben(kataster, *format, *out, sitzung, fehler);
+    if (!geschrieben)
+        return sitzung.Beenden(1);
+    aus << kataster.Zeilenzahl() << " Zeilen, " << bericht.zusammenstellung.reorganisation.flurstücke
+        << " Flurstücke\n";
     return sitzung.Beenden(0);
 }
 

@@ -90,18 +90,26 @@ const std::vector<Befehl>& Befehle() {
          "  ausgegeben. Fragen und Meldungen stehen auf stderr. Ende mit 1, wenn nichts\n"
          "  geschrieben wurde (leere Tabelle, Ordner nicht beschreibbar, Datei in Bearbeitung).\n",
          BefehlExport},
-        {"nas", "liest eine NAS-Datei (ALKIS) in ihre Objektdatenbank",
-         "Aufruf: flurix nas <datei.xml>|<gespeichert.sqlite> [--db <datei.sqlite>] [--ohne-protokoll]\n"
-         "  Liest jedes Objekt der NAS-Datei nach config/ALKIS_Knoten.dat in eine SQLite-Datenbank\n"
-         "  (eine Tabelle je Objektart, eine je Beziehung), ergänzt Werte, Schlüssel und die\n"
-         "  Antragsbeschreibung und gibt die Tabellen mit ihrer Zeilenzahl aus (TAB-getrennt).\n"
-         "  --db <datei>       die Datenbank; ohne --db entsteht _tmpDAOdbFile<Datum Zeit>.sqlite\n"
-         "                     im Arbeitsverzeichnis\n"
+        {"nas", "liest eine NAS-Datei (ALKIS) ein und stellt daraus die Flurix-Tabelle zusammen",
+         "Aufruf: flurix nas <datei.xml>|<gespeichert.sqlite> [--out <tabelle>] [Optionen]\n"
+         "  Mit --out: liest jedes Objekt der NAS-Datei nach config/ALKIS_Knoten.dat in die\n"
+         "  Objektdatenbank, stellt daraus die Tabelle Alkis zusammen (eine Zeile je Flurstück,\n"
+         "  Buchung und Eigentümer; Spalten nach config/ALKIS_Zuordnung.dat) und schreibt sie wie\n"
+         "  \"Import direkt in den Flurix\" als Flurix-Tabelle. Auf stdout steht die Zahl der Zeilen.\n"
+         "  Ohne --out: nur das Einlesen; die Tabellen der Objektdatenbank mit ihrer Zeilenzahl\n"
+         "  stehen TAB-getrennt auf stdout.\n"
+         "  --out <datei>      die Tabelle schreiben; das Format folgt der Endung (.tsv, .fil, .txt,\n"
+         "                     .xlsx, .xml, .sqlite, .html) oder --format\n"
+         "  --format <format>  txt-tab, txt-dollar, xlsx, xml, fil, sqlite, html, tsv\n"
+         "  --db <datei>       die Objektdatenbank (bleibt erhalten); ohne --db entsteht\n"
+         "                     _tmpDAOdbFile<Datum Zeit>.sqlite im Arbeitsverzeichnis\n"
          "  --ohne-protokoll   keine Protokolldatei <datei.xml>.prn schreiben\n"
+         "  --nutzung-ohne-ax  Anzeige \"Nutzung_tatsächlich\" ohne \"AX-Nutzung\" im Text\n"
+         "  --optionen <text>  NAS-Optionen wie gespeichert: \"#chkNutzung_tatsächlich,1#...\"\n"
          "  Eine gespeicherte NAS-Datenbank (.sqlite, .mdb, .db, erkannt an der Tabelle AP_PTO)\n"
-         "  wird ohne neues Einlesen in die Arbeitsdatenbank kopiert und ebenso aufgelistet.\n"
-         "  Meldungen und Protokoll stehen auf stderr. Ende mit 1, wenn die Datei nicht gelesen\n"
-         "  werden konnte (keine NAS-Datei, Knotendatei fehlt, Datenbank nicht beschreibbar).\n",
+         "  wird ohne neues Einlesen in die Arbeitsdatenbank kopiert.\n"
+         "  Meldungen, Hinweise und Protokoll stehen auf stderr. Ende mit 1, wenn die Datei nicht\n"
+         "  gelesen oder keine Zeile zusammengestellt werden konnte.\n",
          BefehlNas},
         {"auszug", "schreibt den Auszug aus dem Liegenschaftskataster eines Flurstücks (PDF)",
          "Aufruf: flurix auszug <tabelle> (--zeile <n> | --fkz <kennzeichen>) [--out <datei.pdf>]\n"

@@ -184,6 +184,18 @@ void SqlJetText(sqlite3_context* kontext, int, sqlite3_value** werte) {
     });
 }
 
+// A function registered by TextFunktionRegistrieren; the C++ function rides as user data.
+void SqlTextFunktion(sqlite3_context* kontext, int, sqlite3_value** werte) {
+    Abgesichert(kontext, "Textfunktion", [&] {
+        if (sqlite3_value_type(werte[0]) == SQLITE_NULL) {
+            sqlite3_result_null(kontext);
+            return;
+        }
+        const auto funktion = reinterpret_cast<Datenbank::TextFunktion>(sqlite3_user_data(kontext));
+        TextErgebnis(kontext, funktion(Textwert(werte[0])));
+    });
+}
+
 using SqlFunktion = void (*)(sqlite3_context*, int, sqlite3_value**);
 
 struct Registrierung {
@@ -367,6 +379,13 @@ Datenbank::Datenbank(const std::filesystem::path& datei) : m_name(datei.string()
 }
 
 Datenbank::~Datenbank() { sqlite3_close_v2(m_db); }
+
+void Datenbank::TextFunktionRegistrieren(const char* name, TextFunktion funktion) {
+    constexpr int art = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+    if (sqlite3_create_function_v2(m_db, name, 1, art, reinterpret_cast<void*>(funktion),
+                                   SqlTextFunktion, nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw Fehler(Meldung(m_name, sqlite3_errmsg(m_db), name));
+}
 
 Anweisung Datenbank::Vorbereitet(std::string_view sql) {
     if (sql.size() > static_cast<std::size_t>(INT_MAX))

@@ -180,6 +180,13 @@ public:
     void IndexAnlegen(std::string_view index, std::string_view tabelle,
                       std::span<const std::string> felder, bool eindeutig = false);
 
+    /// A function of one text argument, for SQL: NULL gives NULL, anything else is read as text.
+    using TextFunktion = std::string (*)(std::string_view);
+    /// Registers `funktion` under `name` for the statements of this connection (a module's own
+    /// text forms, such as the point lists of the NAS geometry). An exception it throws becomes
+    /// the statement's error. Throws Fehler when SQLite refuses the name.
+    void TextFunktionRegistrieren(const char* name, TextFunktion funktion);
+
     /// The database file as given when opening, for messages.
     const std::string& Name() const { return m_name; }
 

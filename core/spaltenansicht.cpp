@@ -141,9 +141,31 @@ void ALBDatenColFormatierung(Kataster& kataster) {
 }
 
 std::string Anzeigeform(const KatasterSpalte& spalte, std::string_view text) {
-    if (spalte.format != "0" || !IstZahl(text))
+    const std::string_view format = spalte.format;
+    if (format.empty() || !IstZahl(text))
         return std::string(text);
-    return ZahlText(std::round(ZahlLesen(text)));
+    // A pattern of zeros: as many places before and after the point as it has.
+    const auto punkt = format.find('.');
+    const std::size_t ganz = std::min(punkt, format.size());
+    const std::size_t nachkomma = punkt == std::string_view::npos ? 0 : format.size() - punkt - 1;
+    if (format.find_first_not_of("0.") != std::string_view::npos)
+        return std::string(text);
+    const double wert = ZahlLesen(text);
+    if (ganz <= 1 && nachkomma == 0)
+        return ZahlText(std::round(wert));
+    std::array<char, 64> puffer{};
+    const auto [ende, fehler] = std::to_chars(puffer.data(), puffer.data() + puffer.size(),
+                                              std::fabs(wert), std::chars_format::fixed,
+                                              static_cast<int>(nachkomma));
+    if (fehler != std::errc())
+        return std::string(text);
+    std::string zahl(puffer.data(), ende);
+    const std::size_t stellen = std::min(zahl.find('.'), zahl.size());
+    if (stellen < ganz)
+        zahl.insert(0, ganz - stellen, '0');
+    if (wert < 0 && zahl.find_first_not_of("0.") != std::string::npos)
+        zahl.insert(0, 1, '-');
+    return zahl;
 }
 
 bool FlurstückZahlenformat(Kataster& kataster, Oberfläche& ui) {

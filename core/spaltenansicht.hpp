@@ -47,7 +47,9 @@ int TextbreiteTwips(std::string_view text);
 void ALBDatenColFormatierung(Kataster& kataster);
 
 /// The text a cell shows under its column's display format: with "0" a number without leading
-/// zeros (an empty cell stays empty, a text that is no number stays as it is).
+/// zeros; with a pattern of zeros ("0000", "000000000.00") the number with that many places before
+/// the point (zeros in front) and after it (rounded). An empty cell stays empty, a text that is no
+/// number stays as it is.
 std::string Anzeigeform(const KatasterSpalte& spalte, std::string_view text);
 
 /// btnStempelPlus: after the question, `Flur`, `Fläche`, `Grundbuchblatt` and `BVNR` show plain

@@ -9,6 +9,7 @@
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
 #include "import/leser.hpp"
+#include "nas/nas_direkt.hpp"
 #include "report/registerauszug.hpp"
 #include "import/tabelle_laden.hpp"
 #include "core/suche.hpp"
@@ -350,6 +351,20 @@ void FormDatenbank::LadeumgebungEinrichten(import::Ladeumgebung& umgebung,
     leser.wldgeSchnell = datei(std::move(leser.wldgeSchnell));
     leser.webXml = datei(std::move(leser.webXml));
     leser.tabelle = datei(std::move(leser.tabelle));
+    // NAS goes the direct way: scan, compilation and the rows into the table, with the
+    // questions a person is asked.
+    leser.nasFenster = datei([this](const std::filesystem::path& nasDatei) {
+        nas::NasDirektAuftrag nasAuftrag;
+        nasAuftrag.datei = nasDatei;
+        nasAuftrag.datenbank = nas::NasArbeitsdatenbank(m_zustand.arbeitsverzeichnis);
+        m_zustand.arbeitsdatenbanken.push_back(nasAuftrag.datenbank);
+        nasAuftrag.konfigOrdner = m_zustand.installation.Konfig();
+        nasAuftrag.ansichtsdatei = m_zustand.installation.Spaltenansichten();
+        nasAuftrag.ansicht = Spaltenansicht();
+        nasAuftrag.interaktiv = true;
+        nas::NasDirektBericht bericht;
+        return nas::NasDirektImport(nasAuftrag, m_kataster, m_ui, bericht);
+    });
     umgebung.tabelleLeeren = [this, leeren = std::move(umgebung.tabelleLeeren)] {
         SpaltenbreitenSichern();
         Umbauen(leeren);

@@ -283,17 +283,11 @@ double PfeilhöheAusEinstellung(std::string_view wert) {
     return zahl && *zahl > 0 ? *zahl : StandardPfeilhöhe;
 }
 
-std::vector<Ring> RingeAusText(std::string_view text, std::string_view bögen, double pfeilhöhe,
-                               Oberfläche* ui) {
+std::string BögenErsetzen(std::string_view text, std::string_view bögen, double pfeilhöhe) {
     std::string normal = Normalisieren(text);
-    if (normal.find_first_not_of("; ") == std::string::npos) {
-        if (ui != nullptr)
-            ui->Meldung("Koordinaten-Trenner ohne Daten!", ProduktTitel, Stil::Warnung);
-        return {};
-    }
     const std::string bogenliste = Normalisieren(bögen);
     for (std::string_view bogen : Teilen(bogenliste, ';')) {
-        if (bogen.empty())
+        if (bogen.empty() || normal.find(bogen) == std::string::npos)
             continue;
         std::string sehnen = BogenZuSehnen(bogen, pfeilhöhe);
         if (sehnen.empty())
@@ -302,7 +296,17 @@ std::vector<Ring> RingeAusText(std::string_view text, std::string_view bögen, d
         std::replace(sehnen.begin(), sehnen.end(), ';', ' ');
         normal = GanzeTokensErsetzen(normal, bogen, sehnen);
     }
+    return normal;
+}
 
+std::vector<Ring> RingeAusText(std::string_view text, std::string_view bögen, double pfeilhöhe,
+                               Oberfläche* ui) {
+    if (Normalisieren(text).find_first_not_of("; ") == std::string::npos) {
+        if (ui != nullptr)
+            ui->Meldung("Koordinaten-Trenner ohne Daten!", ProduktTitel, Stil::Warnung);
+        return {};
+    }
+    const std::string normal = BögenErsetzen(text, bögen, pfeilhöhe);
     std::vector<Ring> ringe;
     for (std::string_view ringtext : Teilen(normal, ';')) {
         Ring ring = RingLesen(ringtext);

@@ -58,6 +58,12 @@ std::string BogenZuSehnen(std::string_view bogen, double pfeilhöhe);
 /// is empty, 0, negative or not a number with "." as decimal mark ("0,05" gives 0.01).
 double PfeilhöheAusEinstellung(std::string_view wert);
 
+/// The ring text (gml:exterior, gml:interior) with each arc of `bögen` (the gml:Arc text, arcs
+/// joined with ";") that stands in it as whole numbers replaced by its chords (BogenZuSehnen with
+/// `pfeilhöhe`), the chord points separated by blanks as the ring's own points are. Runs of
+/// blanks become one and the text is trimmed; "; " becomes ";". An arc that can't be read, or
+/// that the text doesn't hold, changes nothing.
+std::string BögenErsetzen(std::string_view text, std::string_view bögen, double pfeilhöhe);
 /// The rings of the text of gml:exterior or gml:interior. Runs of blanks become one and the text is
 /// trimmed; "; " becomes ";". A text without data (nothing but blanks and ";") shows the message
 /// "Koordinaten-Trenner ohne Daten!" through `ui` (warning, title Flurix; no message when `ui` is

@@ -1,5 +1,6 @@
 #include "nas/konfig_suche.hpp"
 
+#include "core/cp1252.hpp"
 #include "core/datei.hpp"
 #include "core/einstellungen.hpp"
 #include "core/text.hpp"
@@ -12,6 +13,11 @@
 #include <vector>
 
 namespace flurix::nas {
+
+std::string KonfigText(const std::filesystem::path& datei) {
+    return DateiVorhanden(datei) ? DateitextNachUtf8(DateiKomplettLesen(datei)) : std::string();
+}
+
 namespace {
 
 /// A configuration line as every reader sees it: tabs removed, blanks trimmed at both ends.

@@ -36,26 +36,31 @@ Ergebnis NasDatenbankÖffnen(const std::filesystem::path& gespeichert,
         stand = NasStand{};
         for (auto& tabelle : DAO_Tabellen(*db))
             stand.tabellen.push_back(std::move(tabelle));
-        if (DAO_TabelleVorhanden(*db, "Antragsbeschreibung")) {
-            auto abfrage = db->VorbereitenNativ(
-                "SELECT \"Antragsnummer\", \"Koordinatenreferenzsystem_Lage\", "
-                "\"Koordinatenreferenzsystem_Hoehe\", \"EPSG\", \"MKZ\" FROM \"Antragsbeschreibung\" "
-                "ORDER BY rowid LIMIT 1");
-            if (abfrage.Schritt()) {
-                auto& antrag = stand.antrag;
-                antrag.antragsnummer = abfrage.Text(0);
-                antrag.systemName = abfrage.Text(1);
-                antrag.höhensystem = abfrage.Text(2);
-                antrag.epsg = abfrage.Text(3);
-                antrag.mkz = abfrage.Text(4);
-            }
-        }
+        stand.antrag = AntragsbeschreibungLesen(*db);
     } catch (const std::exception& e) {
         // Fehler of the database and filesystem_error of the copy alike.
         ui.Meldung(e.what(), "Flurix-NAS", Stil::Fehler);
         return Ergebnis::Fehlschlag(e.what());
     }
     return Ergebnis::Ok();
+}
+
+Antragsbeschreibung AntragsbeschreibungLesen(Datenbank& db) {
+    Antragsbeschreibung antrag;
+    if (!DAO_TabelleVorhanden(db, "Antragsbeschreibung"))
+        return antrag;
+    auto abfrage = db.VorbereitenNativ(
+        "SELECT \"Antragsnummer\", \"Koordinatenreferenzsystem_Lage\", "
+        "\"Koordinatenreferenzsystem_Hoehe\", \"EPSG\", \"MKZ\" FROM \"Antragsbeschreibung\" "
+        "ORDER BY rowid LIMIT 1");
+    if (abfrage.Schritt()) {
+        antrag.antragsnummer = abfrage.Text(0);
+        antrag.systemName = abfrage.Text(1);
+        antrag.höhensystem = abfrage.Text(2);
+        antrag.epsg = abfrage.Text(3);
+        antrag.mkz = abfrage.Text(4);
+    }
+    return antrag;
 }
 
 } // namespace flurix::nas

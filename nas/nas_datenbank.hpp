@@ -8,12 +8,14 @@
 #include <filesystem>
 
 namespace flurix {
+class Datenbank;
 class Oberfläche;
 }
 
 namespace flurix::nas {
 
 struct NasStand;
+struct Antragsbeschreibung;
 
 /// Refusal of a file that is no NAS database.
 inline constexpr char MeldungUngültigeNasDatenbank[] =
@@ -25,5 +27,9 @@ inline constexpr char MeldungUngültigeNasDatenbank[] =
 Ergebnis NasDatenbankÖffnen(const std::filesystem::path& gespeichert,
                             const std::filesystem::path& arbeitsdatenbank, NasStand& stand,
                             Oberfläche& ui);
+
+/// The order number and coordinate system kept in the table Antragsbeschreibung; the defaults of
+/// Antragsbeschreibung when the table is missing or empty. Throws Fehler when the database fails.
+Antragsbeschreibung AntragsbeschreibungLesen(Datenbank& db);
 
 } // namespace flurix::nas

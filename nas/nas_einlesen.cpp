@@ -37,10 +37,6 @@ std::string KopfLesen(const std::filesystem::path& datei) {
     return kopf;
 }
 
-std::string KonfigText(const std::filesystem::path& datei) {
-    return DateiVorhanden(datei) ? DateitextNachUtf8(DateiKomplettLesen(datei)) : std::string();
-}
-
 bool IstNamenszeichen(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
            c == '-' || c == '.' || c == ':';

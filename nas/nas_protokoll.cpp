@@ -18,6 +18,14 @@ std::string Uhrzeit() {
     return text;
 }
 
+std::string MitUhrzeit(std::string_view meldung) {
+    std::string zeile = Uhrzeit();
+    if (!meldung.starts_with(", "))
+        zeile += ", ";
+    zeile += meldung;
+    return zeile;
+}
+
 } // namespace
 
 NasProtokoll::NasProtokoll(Oberfläche& ui, const std::filesystem::path& datei) : m_ui(ui) {
@@ -30,14 +38,23 @@ std::filesystem::path NasProtokoll::DateiZu(const std::filesystem::path& nasDate
 }
 
 void NasProtokoll::Eintrag(std::string_view meldung) {
-    std::string zeile = Uhrzeit();
-    if (!meldung.starts_with(", "))
-        zeile += ", ";
-    zeile += meldung;
+    const std::string zeile = MitUhrzeit(meldung);
     m_ui.Protokoll(zeile);
+    NurDatei(zeile);
+    // A step's line is on disk before the step runs: a crash leaves the protocol up to it.
+    if (m_datei.is_open())
+        m_datei.flush();
+}
+
+void NasProtokoll::Liste(std::string_view meldung) {
+    if (m_datei.is_open())
+        NurDatei(MitUhrzeit(meldung));
+}
+
+void NasProtokoll::NurDatei(std::string_view meldung) {
     // The file is read by the same Windows tools as the program's other text files.
     if (m_datei.is_open())
-        m_datei << Utf8NachCp1252(zeile) << "\r\n" << std::flush;
+        m_datei << Utf8NachCp1252(meldung) << "\r\n";
 }
 
 } // namespace flurix::nas

@@ -21,6 +21,14 @@ public:
     NasProtokoll(Oberfläche& ui, const std::filesystem::path& datei);
 
     void Eintrag(std::string_view meldung);
+    /// A line of the running list of the compilation (one per script line or table row): into the
+    /// file only, with the time in front. The window shows the steps and the hints, not a line per
+    /// row, which would bury them.
+    void Liste(std::string_view meldung);
+    /// A line for the file only, as it stands (the per-row notes of the reorganisation).
+    void NurDatei(std::string_view meldung);
+    /// True when a protocol file is written.
+    bool MitDatei() const { return m_datei.is_open(); }
 
     /// The protocol file name of a NAS file: the name + ".prn" ("a.xml" → "a.xml.prn").
     static std::filesystem::path DateiZu(const std::filesystem::path& nasDatei);

@@ -113,6 +113,31 @@ TEST(Spaltenformat, FlurstückWirdZurZahlUndBleibtBeimZweitenMal) {
     EXPECT_EQ(Anzeigeform(k.Spalte(fs), "00042"), "00042"); // no format: as it stands
 }
 
+TEST(Spaltenformat, NullenmusterStellen) {
+    struct Fall {
+        const char* format;
+        const char* text;
+        const char* erwartet;
+    };
+    const Fall fälle[] = {
+        {"0000", "4", "0004"},
+        {"0000", "12345", "12345"},       // more places than the pattern: all of them
+        {"0000", "0004", "0004"},
+        {"000000000.00", "49171.00", "000049171.00"},
+        {"000000000.00", "0049171.5", "000049171.50"},
+        {"000000000.00", "12.346", "000000012.35"}, // rounded to the pattern's places
+        {"000000000.00", "-3", "-000000003.00"},
+        {"0000", "", ""},
+        {"0000", "4a", "4a"},             // no number: as it stands
+        {"0#00", "4", "4"},               // not a pattern of zeros: as it stands
+    };
+    for (const Fall& fall : fälle) {
+        KatasterSpalte spalte("x", "x");
+        spalte.format = fall.format;
+        EXPECT_EQ(Anzeigeform(spalte, fall.text), fall.erwartet) << fall.format << " " << fall.text;
+    }
+}
+
 TEST(Spaltenformat, BreitenNachInhaltMitGrenzen) {
     Kataster k;
     SpaltenAnlegen(k);

@@ -1,6 +1,9 @@
 #include "gemeinsam/testumgebung.hpp"
 
+#include <array>
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -43,5 +46,38 @@ std::string DateiLesen(const std::filesystem::path& pfad) {
 
 std::filesystem::path Testdaten() { return FLURIX_TESTDATEN; }
 std::filesystem::path GemeinsameTestdaten() { return FLURIX_GEMEINSAM "/testdata"; }
+
+bool ImSuchpfad(std::string_view programm) {
+    const char* pfad = std::getenv("PATH");
+    std::string_view rest = pfad ? pfad : "/usr/bin:/bin";
+    while (!rest.empty()) {
+        const auto ende = rest.find(':');
+        const std::filesystem::path ordner(rest.substr(0, ende));
+        rest = ende == std::string_view::npos ? std::string_view{} : rest.substr(ende + 1);
+        if (!ordner.empty() && ::access((ordner / programm).c_str(), X_OK) == 0)
+            return true;
+    }
+    return false;
+}
+
+std::string Wort(const std::filesystem::path& pfad) {
+    std::string aus = "'";
+    for (const char c : pfad.string())
+        aus += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return aus + "'";
+}
+
+Programmlauf Ausführen(const std::string& befehl) {
+    Programmlauf lauf;
+    FILE* rohr = ::popen(befehl.c_str(), "r");
+    if (!rohr)
+        return lauf;
+    std::array<char, 65536> puffer{};
+    std::size_t n = 0;
+    while ((n = std::fread(puffer.data(), 1, puffer.size(), rohr)) > 0)
+        lauf.ausgabe.append(puffer.data(), n);
+    lauf.status = ::pclose(rohr);
+    return lauf;
+}
 
 } // namespace flurix::test

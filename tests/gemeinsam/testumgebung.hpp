@@ -29,6 +29,19 @@ void DateiSchreiben(const std::filesystem::path& pfad, std::string_view inhalt);
 /// The bytes of a file; throws when it can't be read.
 std::string DateiLesen(const std::filesystem::path& pfad);
 
+/// True when an executable of that name lies in one of the folders of PATH.
+bool ImSuchpfad(std::string_view programm);
+/// A path as one word for the shell, in single quotes.
+std::string Wort(const std::filesystem::path& pfad);
+
+/// What a shell command gave: its exit status as pclose reports it (-1: not started) and stdout.
+struct Programmlauf {
+    int status = -1;
+    std::string ausgabe;
+};
+/// Runs a command through the shell and collects its standard output.
+Programmlauf Ausführen(const std::string& befehl);
+
 /// Folder of the fixtures in the source tree.
 std::filesystem::path Testdaten();
 /// The shared test data beside the repository (may be absent).

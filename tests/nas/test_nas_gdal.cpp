@@ -52,44 +52,10 @@ std::string Klein(std::string_view text) {
     return aus;
 }
 
-bool ImSuchpfad(std::string_view programm) {
-    const char* pfad = std::getenv("PATH");
-    std::string_view rest = pfad ? pfad : "/usr/bin:/bin";
-    while (!rest.empty()) {
-        const auto ende = rest.find(':');
-        const std::filesystem::path ordner(rest.substr(0, ende));
-        rest = ende == std::string_view::npos ? std::string_view{} : rest.substr(ende + 1);
-        if (!ordner.empty() && ::access((ordner / programm).c_str(), X_OK) == 0)
-            return true;
-    }
-    return false;
-}
-
-// A path as one word for the shell.
-std::string Wort(const std::filesystem::path& pfad) {
-    std::string aus = "'";
-    for (const char c : pfad.string())
-        aus += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return aus + "'";
-}
-
-struct Lauf {
-    int status = -1;
-    std::string ausgabe;
-};
-
-Lauf Ausführen(const std::string& befehl) {
-    Lauf lauf;
-    FILE* rohr = ::popen(befehl.c_str(), "r");
-    if (!rohr)
-        return lauf;
-    std::array<char, 65536> puffer{};
-    std::size_t n = 0;
-    while ((n = std::fread(puffer.data(), 1, puffer.size(), rohr)) > 0)
-        lauf.ausgabe.append(puffer.data(), n);
-    lauf.status = ::pclose(rohr);
-    return lauf;
-}
+using test::Ausführen;
+using test::ImSuchpfad;
+using test::Wort;
+using Lauf = test::Programmlauf;
 
 // The decompressed district, or why there is none: `fehlt` skips, `fehler` fails.
 struct Bezirk {

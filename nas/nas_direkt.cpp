@@ -1,0 +1,61 @@
+#include "nas/nas_direkt.hpp"
+
+#include "core/datenbank.hpp"
+#include "core/einstellungen.hpp"
+#include "core/oberflaeche.hpp"
+#include "core/text.hpp"
+#include "nas/nas_datenbank.hpp"
+#include "nas/nas_protokoll.hpp"
+#include "nas/objektdatenbank.hpp"
+
+namespace flurix::nas {
+
+std::filesystem::path NasArbeitsdatenbank(const std::filesystem::path& arbeitsverzeichnis) {
+    return arbeitsverzeichnis / ("_tmpDAOdbFile" + Ersetzen(ZeitStempelText(), " ", "") + ".sqlite");
+}
+
+bool IstNasDatenbankDatei(const std::filesystem::path& datei) {
+    const std::string endung = Kleinbuchstaben(datei.extension().string());
+    return endung == ".mdb" || endung == ".sqlite" || endung == ".db";
+}
+
+Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Oberfläche& ui,
+                         NasDirektBericht& bericht) {
+    bericht = NasDirektBericht{};
+    const bool gespeichert = IstNasDatenbankDatei(auftrag.datei);
+    NasProtokoll protokoll(ui, auftrag.optionen.protokollNichtSchreiben
+                                   ? std::filesystem::path()
+                                   : NasProtokoll::DateiZu(auftrag.datei));
+    Ergebnis ergebnis;
+    if (gespeichert) {
+        ergebnis = NasDatenbankÖffnen(auftrag.datei, auftrag.datenbank, bericht.stand, ui);
+    } else {
+        protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
+        const NasAuftrag einlesen{auftrag.datei, auftrag.datenbank, auftrag.konfigOrdner};
+        ergebnis = DAO_ALKISEinlesen(einlesen, bericht.stand, ui, protokoll);
+    }
+    if (!ergebnis)
+        return ergebnis;
+
+    Zusammenstellungsauftrag zusammenstellung;
+    zusammenstellung.datenbank = auftrag.datenbank;
+    zusammenstellung.nasDatei = auftrag.datei;
+    zusammenstellung.konfigOrdner = auftrag.konfigOrdner;
+    zusammenstellung.optionen = auftrag.optionen;
+    zusammenstellung.großeDatei = bericht.stand.großeDatei;
+    ergebnis = ALKISZusammenstellung(zusammenstellung, protokoll, ui, bericht.zusammenstellung);
+    if (!ergebnis)
+        return ergebnis;
+
+    try {
+        auto db = DAO_DatenbankÖffnen(auftrag.datenbank);
+        const NachFlurixUmgebung umgebung{auftrag.konfigOrdner, auftrag.ansichtsdatei,
+                                          auftrag.ansicht, auftrag.interaktiv};
+        return ALKISnachFlurix(*db, kataster, umgebung, protokoll, ui, bericht.übernahme);
+    } catch (const Fehler& e) {
+        ui.Meldung(e.what(), "ALKIS-Export", Stil::Fehler);
+        return Ergebnis::Fehlschlag(e.what());
+    }
+}
+
+} // namespace flurix::nas

@@ -1,0 +1,51 @@
+#pragma once
+// The direct import of NAS data into the cadastre table: the file is read into its object
+// database (or a saved database is opened again), compiled into Alkis and carried over into the
+// table. What the command line and the desktop program run for a NAS file.
+
+#include "core/fehler.hpp"
+#include "nas/nach_flurix.hpp"
+#include "nas/nas_einlesen.hpp"
+#include "nas/nas_optionen.hpp"
+#include "nas/zusammenstellung.hpp"
+
+#include <filesystem>
+#include <string>
+
+namespace flurix {
+class Kataster;
+class Oberfläche;
+}
+
+namespace flurix::nas {
+
+struct NasDirektAuftrag {
+    std::filesystem::path datei;         ///< a NAS file (.xml) or a saved NAS database
+    std::filesystem::path datenbank;     ///< the work database, made anew
+    std::filesystem::path konfigOrdner;  ///< the ALKIS_*.dat files
+    std::filesystem::path ansichtsdatei; ///< ALB_DatenbankSpalten.dat
+    std::string ansicht = "alles";
+    NasOptionen optionen;
+    bool interaktiv = false; ///< a person answers the questions
+};
+
+struct NasDirektBericht {
+    NasStand stand;
+    Zusammenstellungsbericht zusammenstellung;
+    NachFlurixBericht übernahme;
+};
+
+/// A new work database in `arbeitsverzeichnis`: "_tmpDAOdbFile<date and time digits>.sqlite",
+/// a name the end of the program clears away.
+std::filesystem::path NasArbeitsdatenbank(const std::filesystem::path& arbeitsverzeichnis);
+
+/// True for the extensions of a saved NAS database (.mdb, .sqlite, .db).
+bool IstNasDatenbankDatei(const std::filesystem::path& datei);
+
+/// Runs the import with its messages and protocol ("<file>.prn" unless the options switch it
+/// off). Fails, after the message, where a stage fails; `kataster` is changed only by the last
+/// stage.
+Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Oberfläche& ui,
+                         NasDirektBericht& bericht);
+
+} // namespace flurix::nas

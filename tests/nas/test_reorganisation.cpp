@@ -1,0 +1,302 @@
+// The reorganisation of a NAS object database into the rows of Alkis: which rows a parcel gets
+// (bookings, attached bookings, owners), what each row joins, the location texts, and the hints
+// on what could not be joined. The database is made from the shipped node file and filled by
+// hand, so that each case states exactly the graph it tests.
+
+#include "nas/reorganisation.hpp"
+
+#include "core/datenbank.hpp"
+#include "core/oberflaeche_skript.hpp"
+#include "gemeinsam/testumgebung.hpp"
+#include "nas/knoten.hpp"
+#include "nas/konfig_suche.hpp"
+#include "nas/lagebezeichnung.hpp"
+#include "nas/nas_protokoll.hpp"
+#include "nas/objektdatenbank.hpp"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace flurix::nas {
+namespace {
+
+using test::DateiLesen;
+using test::TempOrdner;
+
+const std::filesystem::path Konfig = std::filesystem::path(FLURIX_QUELLEN) / "config";
+
+struct Graph {
+    TempOrdner ordner;
+    SkriptOberfläche ui;
+    std::unique_ptr<Datenbank> db;
+
+    Graph() {
+        db = DAO_DatenbankAnlegen(ordner / "nas.sqlite");
+        DAO_CreateDB(*db, KnotenLesen(Konfig / "ALKIS_Knoten.dat"), [](std::string_view) {});
+    }
+
+    // One row: column -> value; identifiers are written in the marked form the scan stores.
+    void Zeile(std::string_view tabelle, const std::map<std::string, std::string>& werte) {
+        std::string spalten;
+        std::string fragen;
+        for (const auto& [spalte, wert] : werte) {
+            spalten += (spalten.empty() ? "" : ", ") + Bezeichner(spalte);
+            fragen += fragen.empty() ? "?" : ", ?";
+        }
+        auto einfügen = db->VorbereitenNativ("INSERT INTO " + Bezeichner(tabelle) + " (" + spalten +
+                                             ") VALUES (" + fragen + ")");
+        for (const auto& [spalte, wert] : werte)
+            einfügen.Binde(wert);
+        einfügen.Schritt();
+    }
+    void Beziehung(std::string_view tabelle, std::string_view von, std::string_view ziel,
+                   std::string_view zielspalte) {
+        Zeile(tabelle, {{"id", std::string(von)}, {std::string(zielspalte), std::string(ziel)}});
+    }
+
+    void Flurstück(const std::string& id, const std::string& kennzeichen,
+                   std::map<std::string, std::string> mehr = {}) {
+        mehr["id"] = id;
+        mehr["flurstueckskennzeichen"] = kennzeichen;
+        mehr.try_emplace("gemeindezugehoerigkeit", "07 2 31 103");
+        mehr.try_emplace("gemarkung", "07 2566");
+        Zeile("AX_Flurstueck", mehr);
+    }
+    void Buchung(const std::string& flurstück, const std::string& stelle, const std::string& blatt,
+                 const std::string& nummer) {
+        if (!flurstück.empty())
+            Beziehung("AX_Flurstueck_istGebucht#AX_Buchungsstelle", flurstück, stelle, "AX_Buchungsstelle");
+        Zeile("AX_Buchungsstelle", {{"id", stelle}, {"laufendeNummer", nummer}, {"buchungsart", "Grundstück"}});
+        Beziehung("AX_Buchungsstelle_istBestandteilVon#AX_Buchungsblatt", stelle, blatt, "AX_Buchungsblatt");
+    }
+    void Blatt(const std::string& id, const std::string& nummer) {
+        Zeile("AX_Buchungsblatt", {{"id", id},
+                                   {"buchungsblattnummerMitBuchstabenerweiterung", nummer},
+                                   {"buchungsblattbezirk", "07 2566"}});
+    }
+    void Eigentümer(const std::string& blatt, const std::string& nn, const std::string& lfd,
+                    const std::string& person, const std::string& name,
+                    const std::string& anschrift = {}) {
+        Zeile("AX_Namensnummer", {{"id", nn}, {"laufendeNummerNachDIN1421", lfd}});
+        Beziehung("AX_Namensnummer_istBestandteilVon#AX_Buchungsblatt", nn, blatt, "AX_Buchungsblatt");
+        Beziehung("AX_Namensnummer_benennt#AX_Person", nn, person, "AX_Person");
+        Zeile("AX_Person", {{"id", person}, {"nachnameOderFirma", name}});
+        if (!anschrift.empty()) {
+            Beziehung("AX_Person_hat#AX_Anschrift", person, anschrift, "AX_Anschrift");
+            Zeile("AX_Anschrift", {{"id", anschrift}, {"strasse", "Weg " + name}, {"ort_Post", "Musterstadt"}});
+        }
+    }
+    void Umfeld() {
+        Zeile("AX_Gemeinde", {{"id", "GD"}, {"gemeindekennzeichen", "07 2 31 103"}, {"bezeichnung", "Musterstadt"}});
+        Zeile("AX_Gemarkung", {{"id", "GM"}, {"schluessel", "07 2566"}, {"schluesselGesamt", "072566"},
+                               {"bezeichnung", "Musterhausen"}});
+        Zeile("AX_Buchungsblattbezirk", {{"id", "BZ"}, {"schluessel", "07 2566"}, {"bezeichnung", "Musterhausen"},
+                                         {"gehoertZu", "07 2408"}});
+        Zeile("AX_Dienststelle", {{"id", "KA"}, {"schluesselGesamt", "070455"}, {"schluessel", "07 0455"},
+                                  {"bezeichnung", "Katasteramt Musterstadt"}});
+        // The enrichment links each Gemarkung to its office.
+        db->AusführenNativ("CREATE TABLE \"AX_Gemarkung_id#istAmtsbezirkVon\" "
+                           "(id TEXT COLLATE NOCASE, istAmtsbezirkVon TEXT COLLATE NOCASE)");
+        Beziehung("AX_Gemarkung_id#istAmtsbezirkVon", "GM", "07 0455", "istAmtsbezirkVon");
+    }
+
+    Reorganisationsbericht Reorganisieren() {
+        NasProtokoll protokoll(ui, ordner / "auszug.xml.prn");
+        return XmlReorganisation(*db, protokoll, ui);
+    }
+
+    // Cells of Alkis, one string per row ("|" between cells), in a fixed order.
+    std::vector<std::string> Alkis(const std::string& spalten, const std::string& ordnung) {
+        std::vector<std::string> zeilen;
+        auto abfrage = db->VorbereitenNativ("SELECT " + spalten + " FROM Alkis ORDER BY " + ordnung);
+        while (abfrage.Schritt()) {
+            std::string zeile;
+            for (int i = 0; i < abfrage.Spaltenanzahl(); ++i)
+                zeile += (i ? "|" : "") + std::string(abfrage.Text(i));
+            zeilen.push_back(zeile);
+        }
+        return zeilen;
+    }
+};
+
+using Zeilen = std::vector<std::string>;
+
+TEST(Reorganisation, EineZeileJeEigentümerMitPersonUndAnschrift) {
+    Graph g;
+    g.Umfeld();
+    g.Flurstück("F1", "07256600100012______");
+    g.Buchung("F1", "B1", "S1", "0003");
+    g.Blatt("S1", "0001234");
+    g.Eigentümer("S1", "N2", "0002", "P2", "Beispiel, Otto", "A2");
+    g.Eigentümer("S1", "N1", "0001", "P1", "Muster, Erika", "A1");
+    g.Eigentümer("S1", "N3", "0003", "P3", "Ohneweg, Anna"); // no address
+    const auto bericht = g.Reorganisieren();
+
+    EXPECT_EQ(bericht.flurstücke, 1);
+    EXPECT_EQ(bericht.zeilen, 3);
+    // Each copy of the booking's row took its own name number, person and address.
+    EXPECT_EQ(g.Alkis("id_AX_Buchungsstelle, [laufendeNummer_AX_Buchungsstelle], "
+                      "[buchungsblattnummerMitBuchstabenerweiterung_AX_Buchungsblatt], "
+                      "AnzZeilen_AX_Namensnummer, id_AX_Namensnummer, "
+                      "[laufendeNummerNachDIN1421_AX_Namensnummer], id_AX_Person, "
+                      "nachnameOderFirma_AX_Person, strasse_AX_Anschrift",
+                      "laufendeNummerNachDIN1421_AX_Namensnummer"),
+              (Zeilen{"B1|0003|0001234|0003|N1|0001|P1|Muster, Erika|Weg Muster, Erika",
+                      "B1|0003|0001234|0003|N2|0002|P2|Beispiel, Otto|Weg Beispiel, Otto",
+                      "B1|0003|0001234|0003|N3|0003|P3|Ohneweg, Anna|"}));
+    // The parcel's own joins stand in every row.
+    EXPECT_EQ(g.Alkis("DISTINCT bezeichnung_AX_Gemeinde, bezeichnung_AX_Gemarkung, "
+                      "schluesselGesamt_AX_Buchungsblattbezirk, bezeichnung_AX_Dienststelle",
+                      "1"),
+              (Zeilen{"Musterstadt|Musterhausen||Katasteramt Musterstadt"}));
+    EXPECT_EQ(bericht.Anzahl(Bezug::PersonAnschrift), 1);
+    // No label point: counted once for the booking, before the rows are made per owner.
+    EXPECT_EQ(bericht.Anzahl(Bezug::PositionApPto), 1);
+}
+
+TEST(Reorganisation, AngehängteBuchungen) {
+    // Own booking, one attached booking, two attached bookings: the register's old rule.
+    struct Fall {
+        const char* name;
+        std::vector<std::string> angehängt;
+        Zeilen erwartet; // id_AX_Buchungsstelle of the rows, in the order they were made
+    };
+    const Fall fälle[] = {
+        {"keine", {}, {"B"}},
+        {"eine", {"X1"}, {"B", "X1"}},
+        {"zwei", {"X1", "X2"}, {"X2", "X1"}},
+        {"drei", {"X1", "X2", "X3"}, {"X3", "X2", "X1"}},
+    };
+    for (const Fall& fall : fälle) {
+        Graph g;
+        g.Flurstück("F", "07256600100012______");
+        g.Buchung("F", "B", "S", "0001");
+        g.Blatt("S", "1");
+        for (const auto& x : fall.angehängt) {
+            g.Buchung("", x, "S", x);
+            g.Beziehung("AX_Buchungsstelle_an#ori_Buchungsstelle", x, "B", "ori_Buchungsstelle");
+        }
+        g.Reorganisieren();
+        EXPECT_EQ(g.Alkis("id_AX_Buchungsstelle", "rowid"), fall.erwartet) << fall.name;
+        if (!fall.angehängt.empty()) {
+            const auto liste = g.Alkis("id_an_AX_Buchungsstelle", "rowid");
+            EXPECT_NE(liste.front().find("X1"), std::string::npos) << fall.name;
+        }
+    }
+}
+
+TEST(Reorganisation, FlurstückOhneBuchungBleibtMitHinweisen) {
+    Graph g;
+    g.Umfeld();
+    g.Flurstück("F9", "07256600100099______");
+    const auto bericht = g.Reorganisieren();
+    EXPECT_EQ(g.Alkis("flurstueckskennzeichen, id_AX_Buchungsstelle, nachnameOderFirma_AX_Person",
+                      "rowid"),
+              (Zeilen{"07256600100099______||"}));
+    EXPECT_EQ(bericht.Hinweise(),
+              (std::vector<std::string>{", Hinweis: 1 \"AX_Buchungsblatt\"  ohne Bezug...",
+                                        ", Hinweis: 1 \"AX_NamensnummerId\" ohne Bezug...",
+                                        ", Hinweis: 1 \"id_AX_Buchungsblatt\" ohne Bezug...",
+                                        ", Hinweis: 1 \"position_AP_PTO\" ohne Bezug...",
+                                        ", Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."}));
+    // The protocol file names what was missing, row by row.
+    const std::string prn = DateiLesen(g.ordner / "auszug.xml.prn");
+    EXPECT_NE(prn.find(", id_AX_Buchungsblatt, Index:  ohne Bezug..."), std::string::npos);
+    EXPECT_NE(prn.find("Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."), std::string::npos);
+}
+
+TEST(Reorganisation, HängendeVerweiseWerdenGezählt) {
+    Graph g;
+    g.Flurstück("F1", "07256600100012______", {{"gemeindezugehoerigkeit", "07 9 99 999"}});
+    g.Buchung("F1", "B1", "S-fehlt", "0001"); // the sheet does not exist
+    g.Beziehung("AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer", "F1", "L-fehlt",
+                "ori_LagebezeichnungMitHausnummer");
+    const auto bericht = g.Reorganisieren();
+    EXPECT_EQ(bericht.zeilen, 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::Buchungsblatt), 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::Gemeinde), 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::Gemarkung), 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::Dienststelle), 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::LageMitHausnummer), 1);
+    EXPECT_EQ(bericht.Anzahl(Bezug::IdBuchungsblatt), 0); // the link itself is there
+}
+
+TEST(Reorganisation, LagebezeichnungUndBeschriftungspunkt) {
+    Graph g;
+    g.Flurstück("F1", "07256600100012______");
+    const std::string schlüsselElement =
+        "lagebezeichnung/AX_Lagebezeichnung/verschluesselt/AX_VerschluesselteLagebezeichnung/lage";
+    g.Zeile("AX_LagebezeichnungKatalogeintrag",
+            {{"id", "K1"}, {"schluessel", "07 2 31 103 00306"}, {"bezeichnung", "Hauptstraße"}});
+    for (const auto& [id, nummer] : {std::pair{"L3", "3"}, {"L1", "1"}, {"L10", "10"}}) {
+        g.Zeile("AX_LagebezeichnungMitHausnummer", {{"id", id},
+                                                    {"lagebezeichnung", "07 2 31 103 00306"},
+                                                    {schlüsselElement, "00306"},
+                                                    {"hausnummer", nummer}});
+    }
+    g.Zeile("AX_LagebezeichnungMitHausnummer",
+            {{"id", "L7"}, {"lagebezeichnung", "Am Markt"}, {"hausnummer", "7"}});
+    g.Beziehung("AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer", "F1", "L3; L1; L10; L7",
+                "ori_LagebezeichnungMitHausnummer");
+    g.Zeile("AP_PTO", {{"id", "T1"}, {"position", "350821.045 5532031.370"}});
+    g.Beziehung("AP_PTO_dientZurDarstellungVon#AX_Flurstueck", "T1", "F1", "AX_Flurstueck");
+    g.Flurstück("F2", "07256600100013______");
+    g.Zeile("AX_LagebezeichnungOhneHausnummer", {{"id", "O1"}, {"lagebezeichnung", "Im Wiesengrund"}});
+    g.Beziehung("AX_Flurstueck_zeigtAuf#ori_LagebezeichnungOhneHausnummer", "F2", "O1",
+                "ori_LagebezeichnungOhneHausnummer");
+    g.Reorganisieren();
+    EXPECT_EQ(g.Alkis("Lagebezeichnung, Straßenschlüssel, Rechtswert, Hochwert, id_AP_PTO",
+                      "flurstueckskennzeichen"),
+              (Zeilen{"Am Markt 7; Hauptstraße 1, 3, 10|ohne; 00306|350821.045|5532031.370|T1",
+                      "Im Wiesengrund|ohne|||"}));
+}
+
+TEST(Reorganisation, BögenWerdenInBeidenRingenZuSehnen) {
+    Graph g;
+    const std::string bogen = "0 10 7.0710678 7.0710678 10 0";
+    g.Flurstück("F1", "07256600100012______",
+                {{"gml:exterior", "0 0 " + bogen + " 0 0"},
+                 {"gml:interior", "5 5 6 5 " + bogen + " 5 5"},
+                 {"gml:Arc", bogen}});
+    g.Reorganisieren();
+    const auto ringe = g.Alkis("[gml:exterior], [gml:interior]", "rowid");
+    ASSERT_EQ(ringe.size(), 1u);
+    EXPECT_EQ(ringe.front().find(bogen), std::string::npos);
+    // A quarter circle of radius 10 with a sagitta of 0.1 mm needs well over a hundred chords.
+    const auto außen = ringe.front().substr(0, ringe.front().find('|'));
+    EXPECT_GT(std::count(außen.begin(), außen.end(), ' '), 200);
+    EXPECT_NE(ringe.front().find("|5 5 6 5 0.0000 10.0000 "), std::string::npos) << ringe.front().substr(0, 80);
+}
+
+TEST(Lagebezeichnung, ZusammenfassungJeStraße) {
+    struct Fall {
+        std::vector<Lageeintrag> mit;
+        std::vector<Lageeintrag> ohne;
+        const char* text;
+        const char* schlüssel;
+    };
+    const Fall fälle[] = {
+        {{{"Hauptstraße", "5", "00306"}, {"Hauptstraße", "1", "00306"}, {"Hauptstraße", "3", "00306"}},
+         {}, "Hauptstraße 1, 3, 5", "00306"},
+        {{{"Weg", "10", "1"}, {"Weg", "2", "1"}, {"Weg", "10 a", "1"}, {"Weg", "2", "1"}},
+         {}, "Weg 2, 10, 10 a", "1"},
+        {{{"B-Straße", "1", "2"}, {"A-Weg", "4", ""}}, {{"Feld", "", ""}}, "A-Weg 4; B-Straße 1", "ohne; 2"},
+        {{}, {{"Im Grund", "", ""}, {"K 53", "", "00288"}, {"Im Grund", "", ""}}, "Im Grund; K 53",
+         "ohne; 00288"},
+        {{}, {}, "", ""},
+    };
+    for (const Fall& fall : fälle) {
+        const Lagetext lage = LagebezeichnungBilden(fall.mit, fall.ohne);
+        EXPECT_EQ(lage.lagebezeichnung, fall.text);
+        EXPECT_EQ(lage.straßenschlüssel, fall.schlüssel) << fall.text;
+    }
+    EXPECT_LT(HausnummernVergleich("2", "10"), 0);
+    EXPECT_LT(HausnummernVergleich("10", "10 a"), 0);
+    EXPECT_LT(HausnummernVergleich("10 a", "10 B"), 0);
+    EXPECT_GT(HausnummernVergleich("a", "99"), 0);
+    EXPECT_EQ(HausnummernVergleich("7", "7"), 0);
+}
+
+} // namespace
+} // namespace flurix::nas
