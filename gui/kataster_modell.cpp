@@ -102,7 +102,7 @@ QVariant KatasterModell::data(const QModelIndex& index, int rolle) const {
     case Qt::DisplayRole:
         if (kopf.kontrollkästchen)
             return {}; // the box alone, not the "1" behind it
-        if (kopf.format == "0")
+        if (!kopf.format.empty())
             return Anzeigetext(Anzeigeform(kopf, m_kataster.Zelle(zeile, spalte)));
         return Anzeigetext(m_kataster.Zelle(zeile, spalte));
     case Qt::EditRole:

@@ -217,9 +217,7 @@ public:
     }
 
     // The list line: each command line passes here before it runs.
-    void Ankündigen(const std::string& zeile) {
-        m_protokoll.Liste(", Zeile Zuordnung: " + zeile);
-    }
+    void Ankündigen(const std::string& zeile) { m_protokoll.Liste(", Zeile Zuordnung: " + zeile); }
 
     void Gelungen() { ++m_bericht.ausgeführt; }
 
@@ -260,8 +258,8 @@ public:
             return;
         }
         if (!DAO_FeldAnlegen(m_db, Tabelle, spalte, *typ)) {
-            Fehlschlag(zeile, "die Spalte \"" + std::string(spalte) +
-                                  "\" kann nicht angelegt werden");
+            Fehlschlag(zeile,
+                       "die Spalte \"" + std::string(spalte) + "\" kann nicht angelegt werden");
             return;
         }
         Gelungen();
@@ -280,8 +278,8 @@ public:
         // against a table that has the new name already.
         if (DAO_FeldVorhanden(m_db, Tabelle, alt) && !DAO_FeldVorhanden(m_db, Tabelle, neu) &&
             !DAO_FeldUmbenennen(m_db, Tabelle, alt, neu)) {
-            Fehlschlag(zeile, "die Spalte \"" + std::string(alt) +
-                                  "\" kann nicht umbenannt werden");
+            Fehlschlag(zeile,
+                       "die Spalte \"" + std::string(alt) + "\" kann nicht umbenannt werden");
             return;
         }
         Gelungen();
@@ -312,9 +310,9 @@ public:
             const auto echt =
                 std::find_if(vorhanden.begin(), vorhanden.end(),
                              [&](const std::string& name) { return GleichOhneFall(name, spalte); });
-            const bool schonDabei =
-                echt != vorhanden.end() &&
-                std::any_of(weg.begin(), weg.end(), [&](const auto& w) { return w.second == *echt; });
+            const bool schonDabei = echt != vorhanden.end() &&
+                                    std::any_of(weg.begin(), weg.end(),
+                                                [&](const auto& w) { return w.second == *echt; });
             if (echt == vorhanden.end() || schonDabei) {
                 Gelungen(); // a column that isn't there is passed over
                 continue;
@@ -452,9 +450,8 @@ private:
                 m_db.AusführenNativ("INSERT INTO " + Bezeichner(NeueTabelle) + " (" + liste +
                                     ") SELECT " + liste + " FROM " + Bezeichner(tabelle));
             else
-                m_db.AusführenNativ("INSERT INTO " + Bezeichner(NeueTabelle) + " (rowid, " +
-                                    liste + ") SELECT rowid, " + liste + " FROM " +
-                                    Bezeichner(tabelle));
+                m_db.AusführenNativ("INSERT INTO " + Bezeichner(NeueTabelle) + " (rowid, " + liste +
+                                    ") SELECT rowid, " + liste + " FROM " + Bezeichner(tabelle));
             m_db.AusführenNativ("DROP TABLE " + Bezeichner(tabelle));
             m_db.AusführenNativ("ALTER TABLE " + Bezeichner(NeueTabelle) + " RENAME TO " +
                                 Bezeichner(tabelle));

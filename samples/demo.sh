@@ -8,10 +8,10 @@ flurix=${1:?Aufruf: demo.sh <pfad zu flurix>}
 hier=$(cd "$(dirname "$0")" && pwd)
 arbeit=$(mktemp -d)
 trap 'rm -rf "$arbeit"' EXIT
-cp "$hier"/musterkreis_format32.wldge "$hier"/musterstadt_bestandsdatenauszug.xml "$arbeit"/
+cp "$hier"/musterkreis_format32.wldge "$hier"/musterstadt_nas.xml "$arbeit"/
 
 echo "== flurix erkennen: Art und Leser jeder Eingabedatei"
-"$flurix" erkennen "$arbeit"/musterkreis_format32.wldge "$arbeit"/musterstadt_bestandsdatenauszug.xml
+"$flurix" erkennen "$arbeit"/musterkreis_format32.wldge "$arbeit"/musterstadt_nas.xml
 echo
 echo "== flurix import musterkreis_format32.wldge --komplett --out kataster.tsv"
 "$flurix" import "$arbeit"/musterkreis_format32.wldge --komplett --out "$arbeit"/kataster.tsv 2>&1
@@ -39,12 +39,25 @@ echo "== flurix auszug kataster.tsv --zeile 3"
 "$flurix" auszug "$arbeit"/kataster.tsv --zeile 3 --out "$arbeit"/auszug.pdf 2>&1
 head -c 8 "$arbeit"/auszug.pdf; echo " ($(stat -c %s "$arbeit"/auszug.pdf) Byte)"
 echo
-echo "== flurix import musterstadt_bestandsdatenauszug.xml"
-"$flurix" import "$arbeit"/musterstadt_bestandsdatenauszug.xml 2>&1 && code=0 || code=$?
-echo "(Ende mit $code)"
+echo "== flurix nas musterstadt_nas.xml --out nas.tsv (NAS-Datei direkt in die Flurix-Tabelle)"
+"$flurix" nas "$arbeit"/musterstadt_nas.xml --out "$arbeit"/nas.tsv 2>&1
 echo
-echo "== flurix nas musterstadt_bestandsdatenauszug.xml --db nas.sqlite (Tabellen mit Zeilen)"
-"$flurix" nas "$arbeit"/musterstadt_bestandsdatenauszug.xml --db "$arbeit"/nas.sqlite 2>/dev/null |
-    awk -F'\t' '$2 > 0 { printf "%-55s %s\n", $1, $2 }'
-echo "-- Protokoll $(basename "$arbeit")/musterstadt_bestandsdatenauszug.xml.prn:"
-iconv -f WINDOWS-1252 -t UTF-8 "$arbeit"/musterstadt_bestandsdatenauszug.xml.prn | tr -d '\r'
+echo "== Auszug aus nas.tsv"
+awk -F'\t' '
+    NR == 1 { for (i = 1; i <= NF; i++) spalte[$i] = i; next }
+    NR <= 16 { printf "%-12s %-4s %-10s %-4s %-22s %-30s %s\n", $spalte["Gemarkung"], $spalte["Flur"],
+             $spalte["Flurstück"], $spalte["Eigentümerposition"], $spalte["Name"],
+             $spalte["Straße"] ", " $spalte["Ort"], $spalte["Lagebezeichnung"] }' "$arbeit"/nas.tsv
+echo "-- Protokoll (Auszug) $(basename "$arbeit")/musterstadt_nas.xml.prn:"
+iconv -f WINDOWS-1252 -t UTF-8 "$arbeit"/musterstadt_nas.xml.prn | tr -d '\r' |
+    grep -v "Zeile ALKIS\|Zeile Zuordnung\|, Index: " | head -30
+echo
+# The register extract of the first parcel with three owners.
+fkz=$(awk -F'\t' 'NR == 1 { for (i = 1; i <= NF; i++) spalte[$i] = i; next }
+                  $spalte["Eigentümerposition"] == "0003" { print $spalte["Flurstückskennzeichen"]; exit }' "$arbeit"/nas.tsv)
+echo "== flurix auszug nas.tsv --fkz $fkz"
+"$flurix" auszug "$arbeit"/nas.tsv --fkz "$fkz" --out "$arbeit"/nas_auszug.pdf 2>&1
+head -c 8 "$arbeit"/nas_auszug.pdf; echo " ($(stat -c %s "$arbeit"/nas_auszug.pdf) Byte)"
+if command -v pdftotext >/dev/null; then
+    pdftotext -layout "$arbeit"/nas_auszug.pdf - 2>/dev/null | grep -v '^\s*$' | head -40
+fi

@@ -3,6 +3,7 @@
 // of what the command line asked for.
 
 #include "core/oberflaeche_skript.hpp"
+#include "core/kataster.hpp"
 #include "core/programm.hpp"
 #include "gui/dateifilter.hpp"
 #include "gui/form_datenbank.hpp"
@@ -25,6 +26,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
+#include <QTableView>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -442,6 +444,51 @@ TEST_F(GuiTest, DateiVonDerKommandozeileWirdNachDemAnzeigenErfragt) {
     EXPECT_EQ(nein.boxen[0].text,
               QStringLiteral("Soll die Eingabedatei \"auftrag.fil\" eingelesen werden?   "));
     EXPECT_FALSE(h.exitcode.has_value());
+}
+
+TEST_F(GuiTest, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
+    Hauptfenster h;
+    const auto quellen = std::filesystem::path(FLURIX_QUELLEN);
+    std::filesystem::copy(quellen / "config", h.ordner / "config",
+                          std::filesystem::copy_options::recursive);
+    const auto datei = h.ordner / "muster.xml";
+    std::filesystem::copy_file(quellen / "samples" / "musterstadt_nas.xml", datei);
+    h.fenster.show();
+    import::Ladeauftrag auftrag;
+    auftrag.dateien = {datei};
+    auftrag.art = import::Eingabeart::NasXml;
+
+    {
+        Beantworter keine;
+        ASSERT_TRUE(h.fenster.Laden(auftrag));
+        EXPECT_TRUE(keine.boxen.empty()) << "an empty table is filled without a question";
+    }
+    const std::size_t zeilen = h.fenster.Tabelle().Zeilenzahl();
+    EXPECT_GT(zeilen, 24U); // 24 parcels, several with more than one owner
+    auto* tabelle = h.fenster.findChild<QTableView*>();
+    ASSERT_NE(tabelle, nullptr);
+    EXPECT_EQ(static_cast<std::size_t>(tabelle->model()->rowCount()), zeilen);
+    EXPECT_EQ(h.fenster.Tabelle().Zelle(0, "Gemarkung"), "Beispielfeld");
+    EXPECT_FALSE(h.zustand.arbeitsdatenbanken.empty()) << "the work database goes at the end";
+
+    // With rows in the table the person chooses: No replaces, Yes extends.
+    const QString frage = QStringLiteral("<Ja> vorliegende Datenbank wird erweitert   \n"
+                                         "<Nein> vorliegende Datenbank wird überschrieben   ");
+    {
+        Beantworter nein(QMessageBox::No);
+        ASSERT_EQ(h.fenster.Tabelle().Zeilenzahl(), zeilen);
+        ASSERT_TRUE(h.fenster.Laden(auftrag));
+        ASSERT_EQ(nein.boxen.size(), 1U);
+        EXPECT_EQ(nein.boxen[0].text, frage);
+        EXPECT_EQ(nein.boxen[0].titel, QStringLiteral("Auswahl Import NAS-Daten"));
+        EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), zeilen);
+    }
+    {
+        Beantworter ja(QMessageBox::Yes);
+        ASSERT_TRUE(h.fenster.Laden(auftrag));
+        EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), 2 * zeilen);
+        EXPECT_EQ(static_cast<std::size_t>(tabelle->model()->rowCount()), 2 * zeilen);
+    }
 }
 
 TEST_F(GuiTest, NasStapelUndKarteMeldenUndEndenOhneFrage) {

@@ -2,16 +2,15 @@
 // real test district, and our object database of the same file must hold as many features per
 // class, the same parcel keys and the same parcel attributes as GDAL finds.
 //
-// The district is licensed for tests only: it is read where it lies, decompressed once into the
-// build tree (and reused while its size is right), and never copied into the repository. ogrinfo
-// writes a .gfs file beside its input, so it reads a link to the file in a folder of its own.
-// The tests are skipped with a message when the archive, xz or ogrinfo is missing.
+// The district is licensed for tests only (see gdal_testbezirk.hpp); the tests are skipped with a
+// message when the archive, xz or ogrinfo is missing.
 
 #include "nas/nas_einlesen.hpp"
 
 #include "core/datenbank.hpp"
 #include "core/oberflaeche_batch.hpp"
 #include "gemeinsam/testumgebung.hpp"
+#include "nas/gdal_testbezirk.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
@@ -37,12 +36,8 @@ namespace flurix::nas {
 namespace {
 
 using test::TempOrdner;
+using test::TestBezirk;
 
-constexpr std::uintmax_t BezirkBytes = 119'575'596;
-const std::filesystem::path Archiv =
-    test::GemeinsameTestdaten() / "postnas-rlp-gid60" / "gm2566-testdaten-gid60-2008-11-11.xml.xz";
-const std::filesystem::path Entpackt = std::filesystem::path(FLURIX_BINAER) / ".." / "testdaten" /
-                                       "gm2566-testdaten-gid60-2008-11-11.xml";
 const std::filesystem::path Konfig = std::filesystem::path(FLURIX_QUELLEN) / "config";
 
 std::string Klein(std::string_view text) {
@@ -56,48 +51,6 @@ using test::Ausführen;
 using test::ImSuchpfad;
 using test::Wort;
 using Lauf = test::Programmlauf;
-
-// The decompressed district, or why there is none: `fehlt` skips, `fehler` fails.
-struct Bezirk {
-    std::filesystem::path xml;
-    std::string fehlt;
-    std::string fehler;
-};
-
-Bezirk BezirkBereitstellen() {
-    Bezirk b;
-    if (!std::filesystem::exists(Archiv))
-        b.fehlt = "Testbezirk fehlt (" + Archiv.string() + "): kein Vergleich mit GDAL.";
-    else if (!ImSuchpfad("xz"))
-        b.fehlt = "xz fehlt: der Testbezirk kann nicht entpackt werden.";
-    else if (!ImSuchpfad("ogrinfo"))
-        b.fehlt = "ogrinfo (gdal-bin) fehlt: kein Vergleich mit GDAL.";
-    if (!b.fehlt.empty())
-        return b;
-    std::error_code ec;
-    if (std::filesystem::file_size(Entpackt, ec) != BezirkBytes) {
-        // Written beside the target under a name of this process and renamed when whole, so that
-        // test processes running side by side never read a half-written file.
-        std::filesystem::create_directories(Entpackt.parent_path());
-        auto teil = Entpackt;
-        teil += "." + std::to_string(::getpid()) + ".teil";
-        const auto lauf = Ausführen("xz -dc " + Wort(Archiv) + " > " + Wort(teil) + " 2>&1");
-        if (lauf.status != 0 || std::filesystem::file_size(teil, ec) != BezirkBytes) {
-            std::filesystem::remove(teil, ec);
-            b.fehler = "xz -dc " + Archiv.string() + " gab nicht die erwarteten " +
-                       std::to_string(BezirkBytes) + " Bytes: " + lauf.ausgabe;
-            return b;
-        }
-        std::filesystem::rename(teil, Entpackt);
-    }
-    b.xml = Entpackt;
-    return b;
-}
-
-const Bezirk& TestBezirk() {
-    static const Bezirk bezirk = BezirkBereitstellen();
-    return bezirk;
-}
 
 // One parcel: its identifier and its attributes by name (GDAL's field names, or ours mapped to
 // them).
@@ -118,23 +71,10 @@ struct GdalFlurstücke {
     std::string fehler;
 };
 
-// ogrinfo on a link to the district in a scratch folder, for the .gfs file it leaves there; the
-// environment's schema templates are switched off, so GDAL builds its schema from the file. A run
-// that fails returns GDAL's messages in place of its output.
+// ogrinfo on the district, in a scratch folder for the .gfs file it leaves there.
 Lauf Ogrinfo(const std::string& optionen, const std::string& ebene = {}) {
     TempOrdner ordner;
-    const auto link = ordner / "bezirk.xml";
-    std::error_code ec;
-    std::filesystem::create_hard_link(TestBezirk().xml, link, ec);
-    if (ec)
-        std::filesystem::copy_file(TestBezirk().xml, link);
-    auto lauf = Ausführen("env -u NAS_GFS_TEMPLATE -u GML_GFS_TEMPLATE ogrinfo -ro " + optionen +
-                          " " + Wort(link) + " " + ebene + " 2>" + Wort(ordner / "meldungen.txt"));
-    if (lauf.status != 0)
-        lauf.ausgabe = "ogrinfo " + optionen + " " + ebene + " endete mit " +
-                       std::to_string(lauf.status) + ": " +
-                       test::DateiLesen(ordner / "meldungen.txt").substr(0, 2000);
-    return lauf;
+    return test::GdalAufBezirk(ordner.pfad(), "ogrinfo -ro " + optionen, ebene);
 }
 
 // "  name (Type) = value" → name and value.

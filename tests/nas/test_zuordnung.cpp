@@ -121,13 +121,15 @@ TEST(ZuordnungLesen, TabsKommentareUndLeereZeilenFallenWeg) {
     };
     const Fall fälle[] = {
         {"Kommentar und Befehl", "* Kommentar\r\nADD Flur dbText\r\n", {"ADD Flur dbText"}},
-        {"Tabs werden entfernt, nicht ersetzt", "ADD\tFlur dbText\nSQL UPDATE\tAlkis SET a = 1",
+        {"Tabs werden entfernt, nicht ersetzt",
+         "ADD\tFlur dbText\nSQL UPDATE\tAlkis SET a = 1",
          {"ADDFlur dbText", "SQL UPDATEAlkis SET a = 1"}},
         {"Kommentar hinter Tab", "\t* eingerückt\nDEL x", {"DEL x"}},
         {"Kommentar hinter Leerzeichen", "   *\nDEL x", {"DEL x"}},
         {"leere Zeilen", "\r\n\n   \n\t\t\nDEL x\n\n", {"DEL x"}},
         {"Ränder abgeschnitten", "  CHG a b  \r\n", {"CHG a b"}},
-        {"Stern im Inneren bleibt", "SQL UPDATE Alkis SET a = \"*\"",
+        {"Stern im Inneren bleibt",
+         "SQL UPDATE Alkis SET a = \"*\"",
          {"SQL UPDATE Alkis SET a = \"*\""}},
         {"letzte Zeile ohne Zeilenende", "ADD a dbText\nDEL b", {"ADD a dbText", "DEL b"}},
         {"andere Zeilen bleiben in der Liste", "Hallo Welt\nDEL b", {"Hallo Welt", "DEL b"}},
@@ -149,13 +151,13 @@ TEST(ZuordnungBefehle, AddLegtTextspalteAnWennSieFehlt) {
     const Fall fälle[] = {
         {"ADD neu dbText", true, 0},
         {"ADD neu dbMemo", true, 0},
-        {"add neu dbtext", true, 0},     // command and type word in any case
-        {"ADD neu dbLong", false, 0},    // another type word: the line is passed over
+        {"add neu dbtext", true, 0},  // command and type word in any case
+        {"ADD neu dbLong", false, 0}, // another type word: the line is passed over
         {"ADD neu dbDate", false, 0},
-        {"ADD neu", false, 1},           // no type word
-        {"ADD", false, 1},               // nothing at all
-        {"ADD  neu dbText", false, 1},   // two blanks: the column name is empty
-        {"ADDneu dbText", false, 0},     // no command: passed over, not logged
+        {"ADD neu", false, 1},         // no type word
+        {"ADD", false, 1},             // nothing at all
+        {"ADD  neu dbText", false, 1}, // two blanks: the column name is empty
+        {"ADDneu dbText", false, 0},   // no command: passed over, not logged
     };
     for (const auto& f : fälle) {
         Umgebung u;
@@ -203,10 +205,10 @@ TEST(ZuordnungBefehle, ChgBenenntNurUmWennAltDaUndNeuNichtDa) {
     };
     const Fall fälle[] = {
         {"CHG b Grundbuchblatt", {"a", "Grundbuchblatt", "c"}, 0},
-        {"CHG b c", {"a", "b", "c"}, 0},         // the new name exists: nothing
-        {"CHG b C", {"a", "b", "c"}, 0},         // names compare without regard to case
-        {"CHG fehlt neu", {"a", "b", "c"}, 0},   // the old name is missing: nothing
-        {"CHG b", {"a", "b", "c"}, 1},           // no new name
+        {"CHG b c", {"a", "b", "c"}, 0},       // the new name exists: nothing
+        {"CHG b C", {"a", "b", "c"}, 0},       // names compare without regard to case
+        {"CHG fehlt neu", {"a", "b", "c"}, 0}, // the old name is missing: nothing
+        {"CHG b", {"a", "b", "c"}, 1},         // no new name
         {"CHG b Fläche-Neu", {"a", "Fläche-Neu", "c"}, 0},
     };
     for (const auto& f : fälle) {
@@ -280,8 +282,9 @@ TEST(ZuordnungSql, FehlerWirdGezähltGemeldetUndDieNächsteZeileLäuft) {
 TEST(ZuordnungSql, ZweiAnweisungenInEinerZeileLaufenBeideNicht) {
     Umgebung u;
     KleineTabelle(u.db());
-    const auto bericht = u.Ausführen(
-        {"SQL UPDATE Alkis SET a = 'eins'; UPDATE Alkis SET b = 'zwei'", "SQL UPDATE Alkis SET c = 'drei'"});
+    const auto bericht =
+        u.Ausführen({"SQL UPDATE Alkis SET a = 'eins'; UPDATE Alkis SET b = 'zwei'",
+                     "SQL UPDATE Alkis SET c = 'drei'"});
     EXPECT_EQ(bericht.fehlgeschlagen, 1);
     EXPECT_EQ(bericht.ausgeführt, 1);
     EXPECT_EQ(Zahl(u.db(), "SELECT count(*) FROM Alkis WHERE a = 'eins' OR b = 'zwei'"), 0);
@@ -299,8 +302,8 @@ TEST(ZuordnungSql, LeereAnweisungIstEinFehler) {
 TEST(ZuordnungSql, AndereZeilenWerdenÜbergangenUndNichtProtokolliert) {
     Umgebung u;
     KleineTabelle(u.db());
-    const auto bericht = u.Ausführen({"Hallo Welt", "SQLUPDATE Alkis SET a = 1", "XYZ a b",
-                                      "SQL UPDATE Alkis SET a = 'ok'"});
+    const auto bericht = u.Ausführen(
+        {"Hallo Welt", "SQLUPDATE Alkis SET a = 1", "XYZ a b", "SQL UPDATE Alkis SET a = 'ok'"});
     EXPECT_EQ(bericht.ausgeführt, 1);
     EXPECT_EQ(bericht.fehlgeschlagen, 0);
     EXPECT_EQ(Zahl(u.db(), "SELECT count(*) FROM Alkis WHERE a = 'ok'"), 2);
@@ -321,15 +324,17 @@ TEST(ZuordnungSql, StatuszeileAlleZehnZeilen) {
                                         "Zusammenstellung, Zeile Zuordnung: 21 von 25"}));
 }
 
-// ---- a run of DEL lines --------------------------------------------------------------------------
+// ---- a run of DEL lines
+// --------------------------------------------------------------------------
 
 TEST(ZuordnungDelBlock, BehältDatenReihenfolgeTypenUndIndizes) {
     Umgebung u;
     auto& db = u.db();
-    db.AusführenNativ("CREATE TABLE Alkis (\"id\" TEXT COLLATE NOCASE, \"gml:exterior\" TEXT "
-                      "COLLATE NOCASE, \"Gemarkung\" TEXT COLLATE NOCASE, \"anteil/AX_Anteil/zaehler\" "
-                      "TEXT COLLATE NOCASE, \"Zahl\" REAL, \"Nummer\" INTEGER, \"Fläche\" TEXT "
-                      "COLLATE NOCASE)");
+    db.AusführenNativ(
+        "CREATE TABLE Alkis (\"id\" TEXT COLLATE NOCASE, \"gml:exterior\" TEXT "
+        "COLLATE NOCASE, \"Gemarkung\" TEXT COLLATE NOCASE, \"anteil/AX_Anteil/zaehler\" "
+        "TEXT COLLATE NOCASE, \"Zahl\" REAL, \"Nummer\" INTEGER, \"Fläche\" TEXT "
+        "COLLATE NOCASE)");
     db.AusführenNativ("INSERT INTO Alkis VALUES ('x1', '1 2 3 4', 'Monzel', '1', 1.5, 7, "
                       "'49171.00'), ('x2', NULL, 'Kesten', '2', NULL, NULL, '12.00'), "
                       "('x3', '5 6', 'Osann', NULL, 2.25, 9, NULL)");
@@ -340,8 +345,8 @@ TEST(ZuordnungDelBlock, BehältDatenReihenfolgeTypenUndIndizes) {
     db.AusführenNativ("CREATE INDEX Alkis_beide ON Alkis (Gemarkung, \"gml:exterior\")");
 
     const auto vorher = Zahl(db, "SELECT sum(rowid) FROM Alkis");
-    const auto bericht = u.Ausführen({"DEL id", "DEL gml:exterior", "DEL gibtsnicht",
-                                      "DEL anteil/AX_Anteil/zaehler", "DEL ID"});
+    const auto bericht = u.Ausführen(
+        {"DEL id", "DEL gml:exterior", "DEL gibtsnicht", "DEL anteil/AX_Anteil/zaehler", "DEL ID"});
     EXPECT_EQ(bericht.fehlgeschlagen, 0);
     EXPECT_EQ(bericht.ausgeführt, 5);
 
@@ -463,27 +468,59 @@ TEST(ZuordnungPunktliste, AlsSqlFunktion) {
 /// The columns of Alkis as the XML reorganisation leaves them.
 std::vector<std::string> ReorganisationsSpalten() {
     std::vector<std::string> spalten = {
-        "id", "flurstueckskennzeichen", "flurstueckskennzeichenAlkis", "gemarkung",
+        "id",
+        "flurstueckskennzeichen",
+        "flurstueckskennzeichenAlkis",
+        "gemarkung",
         "gemarkung/AX_Gemarkung_Schluessel/land",
-        "gemarkung/AX_Gemarkung_Schluessel/gemarkungsnummer", "flurnummer",
+        "gemarkung/AX_Gemarkung_Schluessel/gemarkungsnummer",
+        "flurnummer",
         "flurstuecksnummer/AX_Flurstuecksnummer/zaehler",
-        "flurstuecksnummer/AX_Flurstuecksnummer/nenner", "gemeindezugehoerigkeit",
+        "flurstuecksnummer/AX_Flurstuecksnummer/nenner",
+        "gemeindezugehoerigkeit",
         "gemeindezugehoerigkeit/AX_Gemeindekennzeichen/land",
         "gemeindezugehoerigkeit/AX_Gemeindekennzeichen/regierungsbezirk",
         "gemeindezugehoerigkeit/AX_Gemeindekennzeichen/kreis",
-        "gemeindezugehoerigkeit/AX_Gemeindekennzeichen/gemeinde", "Gemeinde", "amtlicheFlaeche",
-        "zeitpunktDerEntstehung", "rechtsbehelfsverfahren", "abweichenderRechtszustand", "srsName",
-        "gml:exterior", "gml:interior", "gml:LineStringSegment", "AlkisFlaeche", "AlkisNA",
-        "AlkisOriNA", "AlkisNaFlaeche", "AlkisNaBeschreibung", "AlkisOriNaFlaeche",
-        "BS_Bodenschaetzung", "BS_Flaeche", "BS_GesamtFlaeche", "BS_OriFlaeche", "BS_bodenart",
-        "BS_kulturart", "BS_zustandsstufeOderBodenstufe",
-        "BS_entstehungsartOderKlimastufeWasserverhaeltnisse", "BS_bodenzahlOderGruenlandgrundzahl",
-        "BS_ackerzahlOderGruenlandzahl", "BS_Ertragsmesszahl", "BS_GesamtErtragsmesszahl",
-        "BS_AzMittel", "BS_sonstigeAngaben", "KL_bodenart",
-        "KL_entstehungsartOderKlimastufeWasserverhaeltnisse", "KL_funktion", "KL_kulturart",
-        "KL_vegetationsmerkmal", "KL_zustandsstufeOderBodenstufe",
-        "INFO_BauRaumOderBodenordnungsrecht", "AlkisNAFlaechenDifferenz",
-        "AlkisBSFlaechenDifferenz", "AlkisAmtlichFlaechenDifferenz"};
+        "gemeindezugehoerigkeit/AX_Gemeindekennzeichen/gemeinde",
+        "Gemeinde",
+        "amtlicheFlaeche",
+        "zeitpunktDerEntstehung",
+        "rechtsbehelfsverfahren",
+        "abweichenderRechtszustand",
+        "srsName",
+        "gml:exterior",
+        "gml:interior",
+        "gml:LineStringSegment",
+        "AlkisFlaeche",
+        "AlkisNA",
+        "AlkisOriNA",
+        "AlkisNaFlaeche",
+        "AlkisNaBeschreibung",
+        "AlkisOriNaFlaeche",
+        "BS_Bodenschaetzung",
+        "BS_Flaeche",
+        "BS_GesamtFlaeche",
+        "BS_OriFlaeche",
+        "BS_bodenart",
+        "BS_kulturart",
+        "BS_zustandsstufeOderBodenstufe",
+        "BS_entstehungsartOderKlimastufeWasserverhaeltnisse",
+        "BS_bodenzahlOderGruenlandgrundzahl",
+        "BS_ackerzahlOderGruenlandzahl",
+        "BS_Ertragsmesszahl",
+        "BS_GesamtErtragsmesszahl",
+        "BS_AzMittel",
+        "BS_sonstigeAngaben",
+        "KL_bodenart",
+        "KL_entstehungsartOderKlimastufeWasserverhaeltnisse",
+        "KL_funktion",
+        "KL_kulturart",
+        "KL_vegetationsmerkmal",
+        "KL_zustandsstufeOderBodenstufe",
+        "INFO_BauRaumOderBodenordnungsrecht",
+        "AlkisNAFlaechenDifferenz",
+        "AlkisBSFlaechenDifferenz",
+        "AlkisAmtlichFlaechenDifferenz"};
     const std::vector<std::pair<std::string, std::vector<std::string>>> verbunden = {
         {"AX_Buchungsstelle",
          {"anlass", "anteil/AX_Anteil/zaehler", "anteil/AX_Anteil/nenner", "buchungsart",
@@ -491,11 +528,13 @@ std::vector<std::string> ReorganisationsSpalten() {
         {"AX_Buchungsblatt",
          {"id", "buchungsblattkennzeichen", "buchungsblattbezirk",
           "buchungsblattnummerMitBuchstabenerweiterung", "blattart"}},
-        {"AX_Buchungsblattbezirk", {"id", "schluesselGesamt", "bezeichnung", "schluessel", "gehoertZu"}},
+        {"AX_Buchungsblattbezirk",
+         {"id", "schluesselGesamt", "bezeichnung", "schluessel", "gehoertZu"}},
         {"AX_Gemeinde", {"id", "schluesselGesamt", "bezeichnung", "gemeindekennzeichen"}},
         {"AX_Gemarkung", {"id", "schluesselGesamt", "bezeichnung", "schluessel"}},
         {"AX_Dienststelle", {"id", "schluesselGesamt", "bezeichnung", "schluessel", "stellenart"}},
-        {"AX_LagebezeichnungKatalogeintrag", {"id", "schluesselGesamt", "bezeichnung", "schluessel"}},
+        {"AX_LagebezeichnungKatalogeintrag",
+         {"id", "schluesselGesamt", "bezeichnung", "schluessel"}},
         {"AX_LagebezeichnungMitHausnummer", {"lage", "lagebezeichnung", "hausnummer"}},
         {"AX_LagebezeichnungOhneHausnummer", {"lagebezeichnung", "lage"}},
         {"AX_Namensnummer",
@@ -648,70 +687,74 @@ Zeile Mit(Zeile zeile, const Zeile& dazu) {
 /// Three rows: one parcel with two owners, a second parcel (another cadastral district, with a
 /// hole, booked with a four-digit BVNR) owned by a community of heirs without a person.
 std::vector<Zeile> DreiZeilen() {
-    const Zeile erste = Mit(Gemeinsam(), {
-        {"id_AX_Namensnummer", "DERP123400000f'N1"},
-        {"anteil_AX_Namensnummer", "1 2"},
-        {"eigentuemerart_AX_Namensnummer", "Natürliche Personen"},
-        {"laufendeNummerNachDIN1421_AX_Namensnummer", "0001"},
-        {"id_AX_Person", "DERP123400000b'5F"},
-        {"anrede_AX_Person", "Frau"},
-        {"nachnameOderFirma_AX_Person", "Schütz"},
-        {"vorname_AX_Person", "Katharina"},
-        {"geburtsname_AX_Person", "Meinzer"},
-        {"geburtsdatum_AX_Person", "1950-03-01"},
-        {"id_AX_Anschrift", "DERP123400000b'A1"},
-        {"strasse_AX_Anschrift", "Marienstraße"},
-        {"hausnummer_AX_Anschrift", "7"},
-        {"postleitzahlPostzustellung_AX_Anschrift", "54524"},
-        {"ort_Post_AX_Anschrift", "Klausen"},
-    });
-    const Zeile zweite = Mit(Gemeinsam(), {
-        {"id_AX_Namensnummer", "DERP123400000f'N2"},
-        {"anteil_AX_Namensnummer", "1.000000000000 2.000000000000"},
-        {"laufendeNummerNachDIN1421_AX_Namensnummer", "0002"},
-        {"id_AX_Person", "DERP123400000b'5G"},
-        {"anrede_AX_Person", "Herr"},
-        {"akademischerGrad_AX_Person", "Dr."},
-        {"nachnameOderFirma_AX_Person", "Schütz"},
-        {"vorname_AX_Person", "Peter"},
-        {"geburtsname_AX_Person", ""},
-        {"geburtsdatum_AX_Person", "1948-11-23"},
-        {"strasse_AX_Anschrift", "Marienstraße"},
-        {"hausnummer_AX_Anschrift", "7"},
-        {"postleitzahlPostzustellung_AX_Anschrift", "54524"},
-        {"ort_Post_AX_Anschrift", "Klausen"},
-    });
-    const Zeile dritte = Mit(Gemeinsam(), {
-        {"id", "DERP1234000002EA"},
-        {"flurstueckskennzeichen", "07242701200017000200"},
-        {"flurstueckskennzeichenAlkis", "072427|12|17/2"},
-        {"gemarkung", "07 2427"},
-        {"flurnummer", "12"},
-        {"flurstuecksnummer/AX_Flurstuecksnummer/zaehler", "17"},
-        {"flurstuecksnummer/AX_Flurstuecksnummer/nenner", "2"},
-        {"gemeindezugehoerigkeit", "07 2 31 066"},
-        {"Gemeinde", "Kesten"},
-        {"amtlicheFlaeche", "812.00"},
-        {"gml:exterior", "100 200 110 200 110 200 110 210 100 210 100 200;300 400 301 400 300 "
-                         "401 300 400"},
-        {"gml:interior", "102 202 104 202 104 204 102 202"},
-        {"buchungsart_AX_Buchungsstelle", "Wohnungs-/Teileigentum"},
-        {"laufendeNummer_AX_Buchungsstelle", "5148"},
-        {"anteil/AX_Anteil/zaehler_AX_Buchungsstelle", "2.000000000000"},
-        {"anteil/AX_Anteil/nenner_AX_Buchungsstelle", "1000.000000000000"},
-        {"beschreibungDesSondereigentums_AX_Buchungsstelle", "Wohnung Nr. 3 im 1. OG"},
-        {"buchungsblattnummerMitBuchstabenerweiterung_AX_Buchungsblatt", "415A"},
-        {"buchungsblattbezirk_AX_Buchungsblatt", "07 2427"},
-        {"schluesselGesamt_AX_Buchungsblattbezirk", "072427"},
-        {"bezeichnung_AX_Buchungsblattbezirk", "Kesten"},
-        {"gehoertZu_AX_Buchungsblattbezirk", "07 2401"},
-        {"id_AX_Gemarkung", "DERP123400000a'Gr'"},
-        {"schluesselGesamt_AX_Gemarkung", "072427"},
-        {"bezeichnung_AX_Gemarkung", "Kesten"},
-        {"id_AX_Namensnummer", "DERP123400000f'N3"},
-        {"artDerRechtsgemeinschaft_AX_Namensnummer", "Erbengemeinschaft"},
-        {"laufendeNummerNachDIN1421_AX_Namensnummer", "0003"},
-    });
+    const Zeile erste =
+        Mit(Gemeinsam(), {
+                             {"id_AX_Namensnummer", "DERP123400000f'N1"},
+                             {"anteil_AX_Namensnummer", "1 2"},
+                             {"eigentuemerart_AX_Namensnummer", "Natürliche Personen"},
+                             {"laufendeNummerNachDIN1421_AX_Namensnummer", "0001"},
+                             {"id_AX_Person", "DERP123400000b'5F"},
+                             {"anrede_AX_Person", "Frau"},
+                             {"nachnameOderFirma_AX_Person", "Schütz"},
+                             {"vorname_AX_Person", "Katharina"},
+                             {"geburtsname_AX_Person", "Meinzer"},
+                             {"geburtsdatum_AX_Person", "1950-03-01"},
+                             {"id_AX_Anschrift", "DERP123400000b'A1"},
+                             {"strasse_AX_Anschrift", "Marienstraße"},
+                             {"hausnummer_AX_Anschrift", "7"},
+                             {"postleitzahlPostzustellung_AX_Anschrift", "54524"},
+                             {"ort_Post_AX_Anschrift", "Klausen"},
+                         });
+    const Zeile zweite =
+        Mit(Gemeinsam(), {
+                             {"id_AX_Namensnummer", "DERP123400000f'N2"},
+                             {"anteil_AX_Namensnummer", "1.000000000000 2.000000000000"},
+                             {"laufendeNummerNachDIN1421_AX_Namensnummer", "0002"},
+                             {"id_AX_Person", "DERP123400000b'5G"},
+                             {"anrede_AX_Person", "Herr"},
+                             {"akademischerGrad_AX_Person", "Dr."},
+                             {"nachnameOderFirma_AX_Person", "Schütz"},
+                             {"vorname_AX_Person", "Peter"},
+                             {"geburtsname_AX_Person", ""},
+                             {"geburtsdatum_AX_Person", "1948-11-23"},
+                             {"strasse_AX_Anschrift", "Marienstraße"},
+                             {"hausnummer_AX_Anschrift", "7"},
+                             {"postleitzahlPostzustellung_AX_Anschrift", "54524"},
+                             {"ort_Post_AX_Anschrift", "Klausen"},
+                         });
+    const Zeile dritte = Mit(
+        Gemeinsam(),
+        {
+            {"id", "DERP1234000002EA"},
+            {"flurstueckskennzeichen", "07242701200017000200"},
+            {"flurstueckskennzeichenAlkis", "072427|12|17/2"},
+            {"gemarkung", "07 2427"},
+            {"flurnummer", "12"},
+            {"flurstuecksnummer/AX_Flurstuecksnummer/zaehler", "17"},
+            {"flurstuecksnummer/AX_Flurstuecksnummer/nenner", "2"},
+            {"gemeindezugehoerigkeit", "07 2 31 066"},
+            {"Gemeinde", "Kesten"},
+            {"amtlicheFlaeche", "812.00"},
+            {"gml:exterior", "100 200 110 200 110 200 110 210 100 210 100 200;300 400 301 400 300 "
+                             "401 300 400"},
+            {"gml:interior", "102 202 104 202 104 204 102 202"},
+            {"buchungsart_AX_Buchungsstelle", "Wohnungs-/Teileigentum"},
+            {"laufendeNummer_AX_Buchungsstelle", "5148"},
+            {"anteil/AX_Anteil/zaehler_AX_Buchungsstelle", "2.000000000000"},
+            {"anteil/AX_Anteil/nenner_AX_Buchungsstelle", "1000.000000000000"},
+            {"beschreibungDesSondereigentums_AX_Buchungsstelle", "Wohnung Nr. 3 im 1. OG"},
+            {"buchungsblattnummerMitBuchstabenerweiterung_AX_Buchungsblatt", "415A"},
+            {"buchungsblattbezirk_AX_Buchungsblatt", "07 2427"},
+            {"schluesselGesamt_AX_Buchungsblattbezirk", "072427"},
+            {"bezeichnung_AX_Buchungsblattbezirk", "Kesten"},
+            {"gehoertZu_AX_Buchungsblattbezirk", "07 2401"},
+            {"id_AX_Gemarkung", "DERP123400000a'Gr'"},
+            {"schluesselGesamt_AX_Gemarkung", "072427"},
+            {"bezeichnung_AX_Gemarkung", "Kesten"},
+            {"id_AX_Namensnummer", "DERP123400000f'N3"},
+            {"artDerRechtsgemeinschaft_AX_Namensnummer", "Erbengemeinschaft"},
+            {"laufendeNummerNachDIN1421_AX_Namensnummer", "0003"},
+        });
     return {erste, zweite, dritte};
 }
 
@@ -721,9 +764,8 @@ const std::set<std::string> ErwarteteSpalten = {
     // named by the reorganisation already
     "Gemeinde", "Lagebezeichnung", "Straßenschlüssel", "Rechtswert", "Hochwert",
     // computed
-    "Katasteramt", "Gemeindeschlüssel", "Flur", "Amtsgerichtsschlüssel", "BVNR",
-    "Eigentümerzusatz", "Geburtsname", "Anteilsverhältnis", "UmringFlurstück",
-    "InteriorFlurstück",
+    "Katasteramt", "Gemeindeschlüssel", "Flur", "Amtsgerichtsschlüssel", "BVNR", "Eigentümerzusatz",
+    "Geburtsname", "Anteilsverhältnis", "UmringFlurstück", "InteriorFlurstück",
     // renamed
     "Flurstückskennzeichen", "Gemarkung", "Gemarkungsschlüssel", "Flurstück-Zähler",
     "Flurstück-Nenner", "Fläche", "Entstehung", "Nutzungsart", "Nutzung_tatsächlich",
@@ -732,8 +774,8 @@ const std::set<std::string> ErwarteteSpalten = {
     "BZ-AZ-Fläche", "buchungsblattbezirk", "Grundbuchblatt", "Grundbuchbezirk",
     "Grundbuchbezirkschlüssel", "Buchungsart", "Anteil_Buchungsstelle_Zähler",
     "Anteil_Buchungsstelle_Nenner", "Beschreibung Sondereigentum", "Namensnummer",
-    "Anteil_Grundstück", "Nachname_sonstiges", "Vorname_sonstiges", "Namenszusatz",
-    "Geburtsdatum", "Strassenname", "Hausnummer", "PLZ", "Ort",
+    "Anteil_Grundstück", "Nachname_sonstiges", "Vorname_sonstiges", "Namenszusatz", "Geburtsdatum",
+    "Strassenname", "Hausnummer", "PLZ", "Ort",
     // filled by "Daten ordnen"
     "IDlfd_Nr", "Eigentümerposition", "Flurstück", "FKZ-Original", "Name", "Straße", "Landkreis",
     "Dienststelle", "Amtsgericht", "Land", "AntragsNr", "Anteil_Sondereigentum",
@@ -847,8 +889,9 @@ TEST(ZuordnungSkript, MitgelieferteDateiErgibtDieSpaltenDerFlurixTabelle) {
         {"UmringFlurstück", a, "0001",
          "350821.045 5532031.37;350924.309 5532029.513;350930.1 5531950;350821.045 5532031.37"},
         {"InteriorFlurstück", a, "0001", ""},
-        {"UmringFlurstück", b, "0003", "100 200;110 200;110 210;100 210;100 200|300 400;301 400;"
-                                       "300 401;300 400"},
+        {"UmringFlurstück", b, "0003",
+         "100 200;110 200;110 210;100 210;100 200|300 400;301 400;"
+         "300 401;300 400"},
         {"InteriorFlurstück", b, "0003", "102 202;104 202;104 204;102 202"},
         // left for "Daten ordnen"
         {"Name", a, "0001", std::nullopt},
@@ -870,7 +913,9 @@ TEST(ZuordnungSkript, MitgelieferteDateiIstWindows1252UndKurzImDurchlauf) {
     ASSERT_FALSE(roh.empty());
     // Saved as the other configuration files are: Windows-1252 with CR LF.
     EXPECT_FALSE(IstGültigesUtf8(roh));
-    EXPECT_NE(roh.find("Gemeindeschl\xfc" "ssel"), std::string::npos);
+    EXPECT_NE(roh.find("Gemeindeschl\xfc"
+                       "ssel"),
+              std::string::npos);
     EXPECT_NE(roh.find("\r\n"), std::string::npos);
 
     // Every UPDATE rewrites every row: the script has one.
@@ -914,15 +959,16 @@ TEST(ZuordnungSkript, ImportvorlageNenntNurSpaltenDesErgebnisses) {
         EXPECT_TRUE(Enthält(spalten, name)) << "keine Spalte von Alkis: \"" << name << "\"";
         EXPECT_TRUE(gesehen.insert(name).second) << "doppelt: " << name;
     }
-    for (const char* wichtig : {"Flurstückskennzeichen", "Gemarkung", "Flur", "Flurstück",
-                                "Grundbuchblatt", "Name", "Straße", "Ort", "Fläche",
-                                "Lagebezeichnung", "Rechtswert", "Hochwert", "UmringFlurstück",
-                                "Eigentümerposition", "IDlfd_Nr"})
+    for (const char* wichtig :
+         {"Flurstückskennzeichen", "Gemarkung", "Flur", "Flurstück", "Grundbuchblatt", "Name",
+          "Straße", "Ort", "Fläche", "Lagebezeichnung", "Rechtswert", "Hochwert", "UmringFlurstück",
+          "Eigentümerposition", "IDlfd_Nr"})
         EXPECT_TRUE(gesehen.contains(wichtig)) << wichtig;
     EXPECT_LT(namen.size(), spalten.size());
 }
 
-// ---- speed on a district of 150,000 rows (run by hand with --gtest_also_run_disabled_tests) ------
+// ---- speed on a district of 150,000 rows (run by hand with --gtest_also_run_disabled_tests)
+// ------
 
 TEST(ZuordnungSkript, DISABLED_Geschwindigkeit150000Zeilen) {
     constexpr int zeilenzahl = 150'000;
@@ -944,9 +990,8 @@ TEST(ZuordnungSkript, DISABLED_Geschwindigkeit150000Zeilen) {
         double x = 350000 + n % 1000;
         double y = 5530000 + n / 1000;
         for (int i = 0; i < 20; ++i) {
-            const std::string punkt =
-                std::to_string(x + i * 1.234567).substr(0, 10) + " " +
-                std::to_string(y + (i % 7) * 2.345678).substr(0, 11);
+            const std::string punkt = std::to_string(x + i * 1.234567).substr(0, 10) + " " +
+                                      std::to_string(y + (i % 7) * 2.345678).substr(0, 11);
             text += (text.empty() ? "" : " ") + punkt + (i > 0 && i < 19 ? " " + punkt : "");
         }
         return text;
