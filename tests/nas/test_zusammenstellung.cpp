@@ -1,0 +1,109 @@
+// The NAS road as a whole: scan, compilation and transfer on the small samples, a bad line in the
+// column mapping, and an extract without parcels.
+
+#include "nas/nas_direkt.hpp"
+
+#include "core/cp1252.hpp"
+#include "core/kataster.hpp"
+#include "core/oberflaeche_skript.hpp"
+#include "gemeinsam/testumgebung.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace flurix::nas {
+namespace {
+
+using test::DateiLesen;
+using test::DateiSchreiben;
+using test::TempOrdner;
+
+const std::filesystem::path Quellen(FLURIX_QUELLEN);
+
+struct Strecke {
+    TempOrdner ordner;
+    SkriptOberfläche ui;
+    Kataster kataster;
+    NasDirektBericht bericht;
+    NasDirektAuftrag auftrag;
+
+    explicit Strecke(const std::filesystem::path& muster) {
+        std::filesystem::copy(Quellen / "config", ordner / "config",
+                              std::filesystem::copy_options::recursive);
+        auftrag.datei = ordner.pfad() / muster.filename();
+        std::filesystem::copy_file(muster, auftrag.datei);
+        auftrag.datenbank = ordner / "nas.sqlite";
+        auftrag.konfigOrdner = ordner / "config";
+        auftrag.ansichtsdatei = ordner / "config" / "ALB_DatenbankSpalten.dat";
+    }
+    Ergebnis Lauf() { return NasDirektImport(auftrag, kataster, ui, bericht); }
+    std::string Protokoll() const { return Cp1252NachUtf8(DateiLesen(auftrag.datei.string() + ".prn")); }
+};
+
+TEST(NasStrecke, EinFlurstückMitEigentümerUndRing) {
+    Strecke s(Quellen / "samples" / "musterstadt_bestandsdatenauszug.xml");
+    ASSERT_TRUE(s.Lauf());
+    ASSERT_EQ(s.kataster.Zeilenzahl(), 1U);
+    const auto& k = s.kataster;
+    EXPECT_EQ(k.Zelle(0, "Flurstück"), "00042/0000");
+    EXPECT_EQ(k.Zelle(0, "FKZ-Original"), "05123400100042______");
+    EXPECT_EQ(k.Zelle(0, "Name"), "Mustermann, Erika");
+    EXPECT_EQ(k.Zelle(0, "Straße"), "Musterweg 3");
+    EXPECT_EQ(k.Zelle(0, "Ort"), "12345 Musterstadt");
+    EXPECT_EQ(k.Zelle(0, "Eigentümerposition"), "0001");
+    EXPECT_EQ(k.Zelle(0, "Flächendifferenz"), "ohne Verteilung");
+    // No label point: the coordinates are the centre of the ring's box.
+    EXPECT_FALSE(k.Zelle(0, "UmringFlurstück").empty());
+    EXPECT_FALSE(k.Zelle(0, "Rechtswert").empty());
+    EXPECT_EQ(s.bericht.zusammenstellung.zuordnung.fehlgeschlagen, 0);
+    const std::string protokoll = s.Protokoll();
+    for (const char* schritt :
+         {", XML-Reorganisation...", ", Protokoll in Datei aktiviert...", ", Datenbank Reorganisation...",
+          ", Hinweis: 1 \"position_AP_PTO\" ohne Bezug...", ", ALKIS-Zusammenstellung komplett...",
+          ", Daten zusammenstellen...", "; Datei \"ALKIS-Zuordnung.dat\" abgearbeitet...",
+          ", Daten ordnen...", ", ALKIS-Zusammenstellung beendet...",
+          ", ALKIS nach ALB: Daten einlesen...", ", Daten nach Flurix exportiert..."})
+        EXPECT_NE(protokoll.find(schritt), std::string::npos) << schritt;
+    // The steps in their order.
+    EXPECT_LT(protokoll.find(", ALKIS-Zusammenstellung komplett..."), protokoll.find(", Daten ordnen..."));
+    EXPECT_LT(protokoll.find(", Daten ordnen..."), protokoll.find(", Daten nach Flurix exportiert..."));
+}
+
+TEST(NasStrecke, FehlerhafteZuordnungszeileWirdGezähltUndDerRestLäuft) {
+    Strecke s(Quellen / "samples" / "musterstadt_nas.xml");
+    const auto skript = s.ordner / "config" / "ALKIS_Zuordnung.dat";
+    // A broken statement and a statement that tries to smuggle a second one in, at the start.
+    DateiSchreiben(skript, "SQL UPDATE Alkis SET GibtEsNicht = 1\r\n"
+                           "SQL UPDATE Alkis SET Gemeinde = 'x'; DROP TABLE Alkis\r\n" +
+                               DateiLesen(skript));
+    ASSERT_TRUE(s.Lauf());
+    EXPECT_EQ(s.bericht.zusammenstellung.zuordnung.fehlgeschlagen, 2);
+    EXPECT_GT(s.kataster.Zeilenzahl(), 24U);
+    EXPECT_NE(s.kataster.Zelle(0, "Gemeinde"), "x");
+    EXPECT_NE(s.Protokoll().find(", Fehler Zeile Zuordnung: SQL UPDATE Alkis SET GibtEsNicht = 1"),
+              std::string::npos);
+}
+
+TEST(NasStrecke, AuszugOhneFlurstückeMeldetKeineDaten) {
+    TempOrdner leer;
+    const auto datei = leer / "ohne.xml";
+    std::string text = DateiLesen(Quellen / "samples" / "musterstadt_bestandsdatenauszug.xml");
+    // The same extract without its parcel.
+    const auto anfang = text.find("<AX_Flurstueck ");
+    const auto ende = text.find("</AX_Flurstueck>");
+    ASSERT_NE(anfang, std::string::npos);
+    ASSERT_NE(ende, std::string::npos);
+    text.erase(anfang, ende + std::string_view("</AX_Flurstueck>").size() - anfang);
+    DateiSchreiben(datei, text);
+    Strecke s(datei);
+    EXPECT_FALSE(s.Lauf());
+    const auto meldungen = s.ui.Meldungen();
+    EXPECT_NE(std::find(meldungen.begin(), meldungen.end(), "Keine Daten vorhanden!   "), meldungen.end());
+    EXPECT_NE(s.Protokoll().find(", ERR: keine Daten vorhanden, ALKIS-Zusammenstellung..."),
+              std::string::npos);
+    EXPECT_EQ(s.kataster.Zeilenzahl(), 0U);
+}
+
+} // namespace
+} // namespace flurix::nas
