@@ -494,6 +494,37 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
     zeilen = std::move(einzeln);
 }
 
+/// A booking may lie "an" several bookings; the scan keeps its targets in one cell, joined with
+/// ";". The joins seek a parcel's booking among the targets by index, so each target gets a row
+/// of its own first.
+void AnVerweiseVereinzeln(Datenbank& db) {
+    if (!DAO_TabelleVorhanden(db, An))
+        return;
+    std::vector<std::pair<std::string, std::string>> mehrfach;
+    {
+        auto abfrage = db.VorbereitenNativ("SELECT id, ori_Buchungsstelle FROM " + Bezeichner(An) +
+                                           " WHERE ori_Buchungsstelle LIKE '%;%'");
+        while (abfrage.Schritt())
+            mehrfach.emplace_back(abfrage.Text(0), abfrage.Text(1));
+    }
+    if (mehrfach.empty())
+        return;
+    Transaktion transaktion(db);
+    db.AusführenNativ("DELETE FROM " + Bezeichner(An) + " WHERE ori_Buchungsstelle LIKE '%;%'");
+    auto einfügen = db.VorbereitenNativ("INSERT INTO " + Bezeichner(An) +
+                                        " (id, ori_Buchungsstelle) VALUES (?, ?)");
+    for (const auto& [id, ziele] : mehrfach)
+        for (std::string_view ziel : Teilen(ziele, ';')) {
+            ziel = TrimmeLeerzeichen(ziel);
+            if (ziel.empty())
+                continue;
+            einfügen.Zurücksetzen();
+            einfügen.Binde(id).Binde(ziel);
+            einfügen.Schritt();
+        }
+    transaktion.Bestätigen();
+}
+
 void IndizesAnlegen(Datenbank& db) {
     for (const auto& index : Indizes)
         if (DAO_TabelleVorhanden(db, index.tabelle) &&
@@ -518,6 +549,7 @@ Reorganisationsbericht XmlReorganisation(Datenbank& db, NasProtokoll& protokoll,
                                            : ", Protokoll in Datei deaktiviert...");
     const AlkisSpalten spalten(db);
     AlkisAnlegen(db, spalten);
+    AnVerweiseVereinzeln(db);
     IndizesAnlegen(db);
 
     Reorganisationsbericht bericht;

@@ -10,13 +10,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace flurix::nas {
@@ -536,7 +541,7 @@ struct Lauf {
     /// The protocol file's lines without their time ("12:34:56").
     std::vector<std::string> ProtokollOhneZeit() const {
         const std::string text = Cp1252NachUtf8(test::DateiLesen(ordner / "nas.xml.prn"));
-        std::vector<std::string> zeilen_;
+        std::vector<std::string> liste;
         for (auto zeile : Teilen(text, '\n')) {
             if (zeile.empty())
                 continue;
@@ -544,9 +549,9 @@ struct Lauf {
             EXPECT_GE(zeile.size(), 8u);
             EXPECT_EQ(zeile[2], ':');
             EXPECT_EQ(zeile[5], ':');
-            zeilen_.emplace_back(zeile.substr(8, zeile.size() - 9));
+            liste.emplace_back(zeile.substr(8, zeile.size() - 9));
         }
-        return zeilen_;
+        return liste;
     }
 };
 

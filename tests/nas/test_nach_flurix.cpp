@@ -134,9 +134,10 @@ TEST(NachFlurix, ErweiternOderErsetzen) {
         ASSERT_TRUE(ü.Übernehmen(fall.interaktiv));
         EXPECT_EQ(ü.kataster.Zeilenzahl(), fall.zeilen);
         ASSERT_EQ(ü.ui.Fragen().size(), fall.fragen);
-        if (fall.fragen)
+        if (fall.fragen) {
             EXPECT_EQ(ü.ui.Fragen()[0], "<Ja> vorliegende Datenbank wird erweitert   \n"
                                         "<Nein> vorliegende Datenbank wird überschrieben   ");
+        }
         // Extended: the old column stays beside the new ones.
         EXPECT_EQ(ü.kataster.SpaltenIndex("Name").has_value(), fall.zeilen == 4);
     }

@@ -186,6 +186,24 @@ TEST(Reorganisation, AngehängteBuchungen) {
     }
 }
 
+TEST(Reorganisation, EineBuchungAnZweiBuchungen) {
+    // A share booked "an" the bookings of two parcels belongs to both.
+    Graph g;
+    g.Flurstück("F1", "07256600100012______");
+    g.Flurstück("F2", "07256600100013______");
+    g.Buchung("F1", "B1", "S", "0001");
+    g.Buchung("F2", "B2", "S", "0002");
+    g.Blatt("S", "1");
+    for (const char* x : {"X1", "X2"}) {
+        g.Buchung("", x, "S", x);
+        g.Beziehung("AX_Buchungsstelle_an#ori_Buchungsstelle", x, "B1; B2", "ori_Buchungsstelle");
+    }
+    g.Reorganisieren();
+    EXPECT_EQ(g.Alkis("flurstueckskennzeichen, id_AX_Buchungsstelle", "rowid"),
+              (Zeilen{"07256600100012______|X2", "07256600100012______|X1",
+                      "07256600100013______|X2", "07256600100013______|X1"}));
+}
+
 TEST(Reorganisation, FlurstückOhneBuchungBleibtMitHinweisen) {
     Graph g;
     g.Umfeld();

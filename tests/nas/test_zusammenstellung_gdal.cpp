@@ -22,12 +22,14 @@
 //    parcel's land and gemarkungsnummer, Flur the flurnummer in three digits, Flurstück
 //    "zaehler/nenner" in five and four digits ("/0000" without nenner).
 //
-// The parcels compared: every 50th key in sorted order, the ten with the most owners and every
-// parcel with attached bookings; the number of rows is compared over all parcels. The import and
-// GDAL's reading run once per test program. GDAL reads every field as the text the file writes
-// (GML_FIELDTYPES=ALWAYS_STRING: otherwise the postcode "00000" would come out as 0 and the street
-// key "00104" as 104); a field that occurs more than once in a feature then keeps only its last
-// value, so the relations are taken from GDAL's relation layer, which holds every reference.
+// The parcels compared: every 50th key in sorted order, the ten with the most owners, every parcel
+// with attached bookings and every parcel whose location has a key without a catalogue name or
+// locations without house number beside those with; the number of rows and the set of keys are
+// compared over all parcels. The import and GDAL's reading run once per test program, side by
+// side. GDAL reads every field as the text the file writes (GML_FIELDTYPES=ALWAYS_STRING:
+// otherwise the postcode "00000" would come out as 0 and the street key "00104" as 104); a field
+// that occurs more than once in a feature then keeps only its last value, so the relations are
+// taken from GDAL's relation layer, which holds every reference.
 
 #include "nas/nas_direkt.hpp"
 
@@ -328,6 +330,7 @@ struct Erwartung {
     std::string fläche;
     std::string gemarkung, flur, flurstück;
     Lage lage;
+    std::size_t übergangen = 0; // locations without house number passed over for those with
     std::string hinweis; // what in GDAL's reading explains a difference, "" when nothing stands out
 };
 
@@ -462,12 +465,15 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
                 mitNummer = true;
             }
         }
-        if (!mitNummer)
-            for (const auto& l : g.Ziele("zeigtAuf", id)) {
-                const auto treffer = g.ohneHausnummer.find(l);
-                if (treffer != g.ohneHausnummer.end())
-                    LageHinzufügen(e.lage, treffer->second, katalog, false);
-            }
+        for (const auto& l : g.Ziele("zeigtAuf", id)) {
+            const auto treffer = g.ohneHausnummer.find(l);
+            if (treffer == g.ohneHausnummer.end())
+                continue;
+            if (mitNummer)
+                ++e.übergangen;
+            else
+                LageHinzufügen(e.lage, treffer->second, katalog, false);
+        }
         erwartungen.emplace(e.tabellenKennzeichen, std::move(e));
     }
     return erwartungen;
@@ -570,14 +576,15 @@ std::unique_ptr<Befund> BefundErheben() {
         b->index = b->kataster.IndexBauen(*spalte);
 
     // The choice: every 50th key, the ten parcels with the most owners, every parcel with
-    // attached bookings.
+    // attached bookings, and the few whose location needs care: a key the catalogue has no name
+    // for, or locations without house number beside those with.
     std::vector<const Erwartung*> sortiert;
     for (const auto& [schlüssel, e] : b->erwartungen)
         sortiert.push_back(&e);
     std::sort(sortiert.begin(), sortiert.end(),
               [](const Erwartung* x, const Erwartung* y) { return x->kennzeichen < y->kennzeichen; });
     std::set<const Erwartung*> auswahl;
-    for (std::size_t i = 0; i < sortiert.size(); i += 1)
+    for (std::size_t i = 0; i < sortiert.size(); i += 50)
         auswahl.insert(sortiert[i]);
     auto nachEigentümern = sortiert;
     std::stable_sort(nachEigentümern.begin(), nachEigentümern.end(),
@@ -585,7 +592,7 @@ std::unique_ptr<Befund> BefundErheben() {
     for (std::size_t i = 0; i < std::min<std::size_t>(10, nachEigentümern.size()); ++i)
         auswahl.insert(nachEigentümern[i]);
     for (const auto* e : sortiert)
-        if (e->angehängt > 0)
+        if (e->angehängt > 0 || !e->lage.unbenannt.empty() || e->übergangen > 0)
             auswahl.insert(e);
     b->auswahl.assign(auswahl.begin(), auswahl.end());
     std::sort(b->auswahl.begin(), b->auswahl.end(),
