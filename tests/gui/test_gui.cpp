@@ -456,13 +456,18 @@ TEST_F(GuiTest, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     h.fenster.show();
     import::Ladeauftrag auftrag;
     auftrag.dateien = {datei};
-    auftrag.art = import::Eingabeart::NasXml;
-
+    // As a job from the command line: a ".xml" that its content shows to be NAS.
+    auftrag.art = import::Eingabeart::Xml;
+    auftrag.vonKommandozeile = true;
     {
-        Beantworter keine;
+        Beantworter ja(QMessageBox::Yes);
         ASSERT_TRUE(h.fenster.Laden(auftrag));
-        EXPECT_TRUE(keine.boxen.empty()) << "an empty table is filled without a question";
+        ASSERT_EQ(ja.boxen.size(), 1U) << "only the job's question; an empty table is filled";
+        EXPECT_EQ(ja.boxen[0].text,
+                  QStringLiteral("Soll die Eingabedatei \"muster.xml\" eingelesen werden?   "));
     }
+    auftrag.art = import::Eingabeart::NasXml;
+    auftrag.vonKommandozeile = false;
     const std::size_t zeilen = h.fenster.Tabelle().Zeilenzahl();
     EXPECT_GT(zeilen, 24U); // 24 parcels, several with more than one owner
     auto* tabelle = h.fenster.findChild<QTableView*>();
