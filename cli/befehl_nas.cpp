@@ -17,22 +17,15 @@ namespace flurix::cli {
 namespace {
 
 /// The scan alone: the tables of the object database with their rows.
-int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, std::ostream& aus,
-             std::ostream& fehler) {
+int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, bool behalten,
+             std::ostream& aus, std::ostream& fehler) {
     nas::NasStand stand;
-    Ergebnis ergebnis;
-    if (nas::IstNasDatenbankDatei(auftrag.datei)) {
-        // A database saved earlier: opened again, no scan.
-        ergebnis = nas::NasDatenbankÖffnen(auftrag.datei, auftrag.datenbank, stand, sitzung.ui);
-    } else {
-        nas::NasProtokoll protokoll(sitzung.ui, auftrag.optionen.protokollNichtSchreiben
-                                                    ? std::filesystem::path()
-                                                    : nas::NasProtokoll::DateiZu(auftrag.datei));
-        protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
-        const nas::NasAuftrag einlesen{auftrag.datei, auftrag.datenbank, auftrag.konfigOrdner};
-        ergebnis = nas::DAO_ALKISEinlesen(einlesen, stand, sitzung.ui, protokoll);
-    }
-    if (!ergebnis)
+    // A saved database is opened again without a scan and writes no protocol.
+    nas::NasProtokoll protokoll(sitzung.ui, auftrag.optionen.protokollNichtSchreiben ||
+                                                    nas::IstNasDatenbankDatei(auftrag.datei)
+                                                ? std::filesystem::path()
+                                                : nas::NasProtokoll::DateiZu(auftrag.datei));
+    if (!nas::NasEinlesenOderÖffnen(auftrag, protokoll, sitzung.ui, stand))
         return sitzung.Beenden(1);
     fehler << stand.antrag.AntragsText() << '\n' << stand.antrag.SystemText() << '\n';
     try {
@@ -43,7 +36,8 @@ int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, std::ostrea
         fehler << e.what() << '\n';
         return sitzung.Beenden(1);
     }
-    fehler << "Datenbank: " << auftrag.datenbank.string() << '\n';
+    if (behalten)
+        fehler << "Datenbank: " << auftrag.datenbank.string() << '\n';
     return sitzung.Beenden(0);
 }
 
@@ -78,20 +72,18 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
     if (!sitzung.Starten(""))
         return 1;
     const auto db = args->Wert("--db");
-    nas::NasDirektAuftrag auftrag = NasAuftragFür(
-        sitzung, args->positionen.front(),
-        db ? std::optional<std::filesystem::path>(*db)
-           : std::optional<std::filesystem::path>(nas::NasArbeitsdatenbank(sitzung.zustand.arbeitsverzeichnis)));
+    // Without --db the work database goes with the end of the run.
+    nas::NasDirektAuftrag auftrag =
+        NasAuftragFür(sitzung, args->positionen.front(),
+                      db ? std::optional<std::filesystem::path>(*db) : std::nullopt);
     auftrag.optionen = nas::NasOptionen::AusText(args->Wert("--optionen").value_or(""));
     if (args->Hat("--ohne-protokoll"))
         auftrag.optionen.protokollNichtSchreiben = true;
     if (args->Hat("--nutzung-ohne-ax"))
         auftrag.optionen.nutzungOhneAx = true;
     if (!out)
-        return Einlesen(sitzung, auftrag, aus, fehler);
+        return Einlesen(sitzung, auftrag, db.has_value(), aus, fehler);
 
-    if (!db) // the work database of a whole import is not kept
-        sitzung.zustand.arbeitsdatenbanken.push_back(auftrag.datenbank);
     Kataster kataster;
     nas::NasDirektBericht bericht;
     const Ergebnis importiert = nas::NasDirektImport(auftrag, kataster, sitzung.ui, bericht);

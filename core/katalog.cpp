@@ -79,20 +79,28 @@ const std::vector<KatalogSpalte>& Katalog() {
     return katalog;
 }
 
+KatasterSpalte KatalogSpalteFür(std::string_view schlüssel) {
+    KatasterSpalte spalte{std::string(schlüssel), std::string(schlüssel), 1000};
+    for (const auto& k : Katalog())
+        if (k.schlüssel == schlüssel) {
+            spalte.überschrift = k.überschrift;
+            spalte.breite = k.breite;
+        }
+    if (schlüssel == "checkdruck") {
+        spalte.zentriert = true;
+        spalte.kontrollkästchen = true;
+    } else if (schlüssel == "NrStp") {
+        spalte.sichtbar = false;
+    } else if (schlüssel == "Flurstück") {
+        spalte.schattiert = true;
+    }
+    return spalte;
+}
+
 void SpaltenAnlegen(Kataster& kataster) {
     kataster.Leeren();
-    for (const auto& k : Katalog()) {
-        KatasterSpalte spalte{std::string(k.schlüssel), std::string(k.überschrift), k.breite};
-        if (k.schlüssel == "checkdruck") {
-            spalte.zentriert = true;
-            spalte.kontrollkästchen = true;
-        } else if (k.schlüssel == "NrStp") {
-            spalte.sichtbar = false;
-        } else if (k.schlüssel == "Flurstück") {
-            spalte.schattiert = true;
-        }
-        kataster.SpalteHinzufügen(std::move(spalte));
-    }
+    for (const auto& k : Katalog())
+        kataster.SpalteHinzufügen(KatalogSpalteFür(k.schlüssel));
 }
 
 std::string SpaltenHinweis(std::string_view überschrift) {

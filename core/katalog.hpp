@@ -10,6 +10,7 @@ namespace flurix {
 
 class Kataster;
 class Oberfläche;
+struct KatasterSpalte;
 
 /// One column of the catalogue: key, header, width in twips.
 struct KatalogSpalte {
@@ -20,6 +21,11 @@ struct KatalogSpalte {
 
 /// The catalogue in its order.
 const std::vector<KatalogSpalte>& Katalog();
+
+/// A column as the catalogue makes it: header and width of the catalogue, `checkdruck` a centred
+/// check box column, `NrStp` hidden, `Flurstück` shaded. A key the catalogue doesn't have is its
+/// own header, 1000 twips wide.
+KatasterSpalte KatalogSpalteFür(std::string_view schlüssel);
 
 /// Makes the catalogue's columns on an emptied table: `checkdruck` a centred check box column,
 /// `NrStp` hidden, `Flurstück` shaded, every other column visible, left-aligned text.

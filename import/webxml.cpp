@@ -534,21 +534,11 @@ private:
 
 // The columns of XMLSpalten() and checkdruck, made on an empty table or added to one that lacks them.
 void SpaltenSichern(Kataster& kataster) {
-    const auto katalogSpalte = [](std::string_view schlüssel) {
-        for (const auto& k : Katalog())
-            if (k.schlüssel == schlüssel)
-                return KatasterSpalte(std::string(k.schlüssel), std::string(k.überschrift), k.breite);
-        return KatasterSpalte(std::string(schlüssel), std::string(schlüssel));
-    };
     for (std::string_view schlüssel : XMLSpalten())
         if (!kataster.SpaltenIndex(schlüssel))
-            kataster.SpalteHinzufügen(katalogSpalte(schlüssel));
-    if (!kataster.SpaltenIndex("checkdruck")) {
-        KatasterSpalte markierung = katalogSpalte("checkdruck");
-        markierung.zentriert = true;
-        markierung.kontrollkästchen = true;
-        kataster.SpalteHinzufügen(std::move(markierung));
-    }
+            kataster.SpalteHinzufügen(KatalogSpalteFür(schlüssel));
+    if (!kataster.SpaltenIndex("checkdruck"))
+        kataster.SpalteHinzufügen(KatalogSpalteFür("checkdruck"));
 }
 
 bool Gefragt(Oberfläche& ui, std::string text, std::string titel = ProduktTitel) {

@@ -11,16 +11,6 @@
 #include <set>
 
 namespace flurix::import {
-namespace {
-
-int KatalogBreite(std::string_view schlüssel) {
-    for (const auto& k : Katalog())
-        if (k.schlüssel == schlüssel)
-            return k.breite;
-    return 1000;
-}
-
-} // namespace
 
 void WldgeZusammenführen(Datenbank& db, Kataster& kataster,
                          const std::filesystem::path& ansichtsdatei, std::string_view ansicht,
@@ -52,13 +42,12 @@ void WldgeZusammenführen(Datenbank& db, Kataster& kataster,
         std::string name(verbund.Spaltenname(i));
         if (verbund.Spaltentabelle(i) == "tblBestand" && aufFlurstückSeite.contains(name))
             name += "_aus_Bestandsdaten";
-        const int breite = static_cast<int>(std::lround(KatalogBreite(name) * 1.2));
+        const int breite = static_cast<int>(std::lround(KatalogSpalteFür(name).breite * 1.2));
         kataster.SpalteHinzufügen({name, name, breite});
         istZahl.push_back(verbund.Spaltenname(i) == "IDlfd_Nr");
     }
-    KatasterSpalte markierung("checkdruck", "", 600);
-    markierung.zentriert = true;
-    markierung.kontrollkästchen = true;
+    KatasterSpalte markierung = KatalogSpalteFür("checkdruck");
+    markierung.überschrift = ""; // as this reader has always shown it: no sign above the marks
     kataster.SpalteHinzufügen(std::move(markierung));
 
     std::vector<std::string> zellen(kataster.Spaltenzahl());

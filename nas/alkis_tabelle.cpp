@@ -105,18 +105,9 @@ std::string DeklarationAus(std::string_view typ) {
 
 std::span<const Quelltabelle> Quelltabellen() { return QuellListe; }
 
-std::span<const std::string_view> AttributeVon(std::string_view tabelle) {
-    for (const auto& quelle : QuellListe)
-        if (quelle.tabelle == tabelle)
-            return quelle.attribute;
-    return {};
-}
-
 std::string AlkisSpalte(std::string_view attribut, std::string_view tabelle) {
     return std::string(attribut) + "_" + std::string(tabelle);
 }
-
-std::span<const std::string_view> Zusatzspalten() { return Zusatz; }
 
 AlkisSpalten::AlkisSpalten(Datenbank& db) {
     Hinzufügen("id", std::string(TextDeklaration));
@@ -187,10 +178,6 @@ void AlkisAnlegen(Datenbank& db, const AlkisSpalten& spalten) {
 std::string_view AlkisZeile::Text(std::string_view spalte) const {
     const auto& wert = m_werte[m_spalten->Index(spalte)];
     return wert ? std::string_view(*wert) : std::string_view{};
-}
-
-bool AlkisZeile::IstNull(std::string_view spalte) const {
-    return !m_werte[m_spalten->Index(spalte)].has_value();
 }
 
 void AlkisZeile::Setzen(std::string_view spalte, std::string wert) {

@@ -30,13 +30,8 @@ struct Quelltabelle {
 
 /// The joined tables in the order their columns stand in Alkis.
 std::span<const Quelltabelle> Quelltabellen();
-/// The attributes of one joined table; empty for a table that is not joined.
-std::span<const std::string_view> AttributeVon(std::string_view tabelle);
 /// "<attribute>_<table>": the Alkis column of a joined attribute.
 std::string AlkisSpalte(std::string_view attribut, std::string_view tabelle);
-
-/// The link and text columns of the joins.
-std::span<const std::string_view> Zusatzspalten();
 
 /// The columns of Alkis, in order, with their SQLite declarations.
 class AlkisSpalten {
@@ -77,8 +72,6 @@ public:
     const std::optional<std::string>& Wert(std::size_t i) const { return m_werte[i]; }
     /// The text of a column; "" for NULL.
     std::string_view Text(std::string_view spalte) const;
-    /// True when the column is NULL.
-    bool IstNull(std::string_view spalte) const;
     void Setzen(std::size_t i, std::string wert) { m_werte[i] = std::move(wert); }
     void Setzen(std::string_view spalte, std::string wert);
 

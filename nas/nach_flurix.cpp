@@ -39,23 +39,6 @@ std::vector<std::string> Anordnen(const std::vector<std::string>& spalten) {
     return geordnet;
 }
 
-KatasterSpalte SpalteFür(const std::string& name) {
-    for (const auto& k : Katalog())
-        if (k.schlüssel == name)
-            return KatasterSpalte(name, std::string(k.überschrift), k.breite);
-    return KatasterSpalte(name, name, 1000);
-}
-
-void MarkierungsspalteAnlegen(Kataster& kataster) {
-    if (kataster.SpaltenIndex("checkdruck"))
-        return;
-    KatasterSpalte markierung = SpalteFür("checkdruck");
-    markierung.überschrift = "";
-    markierung.zentriert = true;
-    markierung.kontrollkästchen = true;
-    kataster.SpalteHinzufügen(std::move(markierung));
-}
-
 bool Anhängen(Kataster& kataster, Oberfläche& ui, bool interaktiv) {
     if (kataster.Leer())
         return false;
@@ -122,8 +105,8 @@ Ergebnis ALKISnachFlurix(Datenbank& db, Kataster& kataster, const NachFlurixUmge
         kataster.Leeren();
     std::vector<std::size_t> ziel;
     for (const std::string& name : spalten)
-        ziel.push_back(kataster.SpalteHinzufügen(SpalteFür(name)));
-    MarkierungsspalteAnlegen(kataster);
+        ziel.push_back(kataster.SpalteHinzufügen(KatalogSpalteFür(name)));
+    kataster.SpalteHinzufügen(KatalogSpalteFür("checkdruck")); // kept when extending
 
     protokoll.Eintrag(", ALKIS nach ALB: Gemarkung/Flur einlesen...");
     protokoll.Eintrag(", ALKIS nach ALB: Daten einlesen...");

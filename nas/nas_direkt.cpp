@@ -19,21 +19,22 @@ bool IstNasDatenbankDatei(const std::filesystem::path& datei) {
     return endung == ".mdb" || endung == ".sqlite" || endung == ".db";
 }
 
+Ergebnis NasEinlesenOderÖffnen(const NasDirektAuftrag& auftrag, NasProtokoll& protokoll,
+                               Oberfläche& ui, NasStand& stand) {
+    if (IstNasDatenbankDatei(auftrag.datei))
+        return NasDatenbankÖffnen(auftrag.datei, auftrag.datenbank, stand, ui);
+    protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
+    const NasAuftrag einlesen{auftrag.datei, auftrag.datenbank, auftrag.konfigOrdner};
+    return DAO_ALKISEinlesen(einlesen, stand, ui, protokoll);
+}
+
 Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Oberfläche& ui,
                          NasDirektBericht& bericht) {
     bericht = NasDirektBericht{};
-    const bool gespeichert = IstNasDatenbankDatei(auftrag.datei);
     NasProtokoll protokoll(ui, auftrag.optionen.protokollNichtSchreiben
                                    ? std::filesystem::path()
                                    : NasProtokoll::DateiZu(auftrag.datei));
-    Ergebnis ergebnis;
-    if (gespeichert) {
-        ergebnis = NasDatenbankÖffnen(auftrag.datei, auftrag.datenbank, bericht.stand, ui);
-    } else {
-        protokoll.Eintrag("Einlesen ALKIS/NAS-Daten...");
-        const NasAuftrag einlesen{auftrag.datei, auftrag.datenbank, auftrag.konfigOrdner};
-        ergebnis = DAO_ALKISEinlesen(einlesen, bericht.stand, ui, protokoll);
-    }
+    Ergebnis ergebnis = NasEinlesenOderÖffnen(auftrag, protokoll, ui, bericht.stand);
     if (!ergebnis)
         return ergebnis;
 

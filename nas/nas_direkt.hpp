@@ -19,6 +19,8 @@ class Oberfläche;
 
 namespace flurix::nas {
 
+class NasProtokoll;
+
 struct NasDirektAuftrag {
     std::filesystem::path datei;         ///< a NAS file (.xml) or a saved NAS database
     std::filesystem::path datenbank;     ///< the work database, made anew
@@ -41,6 +43,11 @@ std::filesystem::path NasArbeitsdatenbank(const std::filesystem::path& arbeitsve
 
 /// True for the extensions of a saved NAS database (.mdb, .sqlite, .db).
 bool IstNasDatenbankDatei(const std::filesystem::path& datei);
+
+/// The first step alone: the NAS file scanned into the work database, or a saved database copied
+/// there; `stand` gets the tables and the order's description.
+Ergebnis NasEinlesenOderÖffnen(const NasDirektAuftrag& auftrag, NasProtokoll& protokoll,
+                               Oberfläche& ui, NasStand& stand);
 
 /// Runs the import with its messages and protocol ("<file>.prn" unless the options switch it
 /// off). Fails, after the message, where a stage fails; `kataster` is changed only by the last

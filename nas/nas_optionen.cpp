@@ -42,11 +42,4 @@ NasOptionen NasOptionen::AusText(std::string_view text) {
     return optionen;
 }
 
-std::string NasOptionen::AlsText() const {
-    std::string text;
-    for (const auto& [name, feld] : Namen)
-        text.append("#").append(name).append(",").append(this->*feld ? "1" : "0");
-    return text;
-}
-
 } // namespace flurix::nas

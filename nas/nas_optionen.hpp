@@ -28,8 +28,6 @@ struct NasOptionen {
 
     /// Reads the settings text; names it doesn't know are passed over, missing ones stay off.
     static NasOptionen AusText(std::string_view text);
-    /// The settings text of all options, in the order above.
-    std::string AlsText() const;
 };
 
 } // namespace flurix::nas

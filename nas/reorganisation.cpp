@@ -6,6 +6,7 @@
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
 #include "nas/alkis_tabelle.hpp"
+#include "nas/daten_ordnen.hpp"
 #include "nas/geometrie.hpp"
 #include "nas/lagebezeichnung.hpp"
 #include "nas/nas_protokoll.hpp"
@@ -72,27 +73,6 @@ constexpr std::array<Suchindex, 8> Indizes = {{
     {"AX_LagebezeichnungKatalogeintrag", "schluessel"},
     {NamensnummernVon, "AX_Buchungsblatt"},
 }};
-
-/// Entry `n` (from 1) of a list; "" when the list is shorter.
-std::string Eintrag(std::string_view liste, char trenner, std::size_t n) {
-    std::size_t nummer = 1;
-    std::size_t anfang = 0;
-    while (nummer < n) {
-        const auto pos = liste.find(trenner, anfang);
-        if (pos == std::string_view::npos)
-            return {};
-        anfang = pos + 1;
-        ++nummer;
-    }
-    return std::string(liste.substr(anfang, liste.find(trenner, anfang) - anfang));
-}
-
-std::string Vierstellig(std::size_t zahl) {
-    std::string text = std::to_string(zahl);
-    if (text.size() < 4)
-        text.insert(0, 4 - text.size(), '0');
-    return text;
-}
 
 std::string OhneBlanks(std::string_view text) { return Ersetzen(text, " ", ""); }
 
@@ -210,7 +190,7 @@ std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis) {
         AlkisZeile zeile = basis;
         zeile.Setzen(I("id_AX_Buchungsstelle"), gebucht);
         if (c > 0) {
-            zeile.Setzen(I("id_AX_Buchungsstelle"), Eintrag(liste, ';', c));
+            zeile.Setzen(I("id_AX_Buchungsstelle"), TokenNr(liste, static_cast<int>(c), ";"));
             --c;
         } else {
             liste = Ersetzen(m_suche.MehrfachWert(An, "ori_Buchungsstelle", gebucht, "id"), "}", ";");
@@ -218,7 +198,7 @@ std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis) {
                 zeile.Setzen(I("id_an_AX_Buchungsstelle"), liste);
                 c = static_cast<std::size_t>(std::count(liste.begin(), liste.end(), ';'));
                 if (c > 0)
-                    zeile.Setzen(I("id_AX_Buchungsstelle"), Eintrag(liste, ';', c + 1));
+                    zeile.Setzen(I("id_AX_Buchungsstelle"), TokenNr(liste, static_cast<int>(c) + 1, ";"));
                 else
                     c = 1;
             }
@@ -325,7 +305,7 @@ Flurstücksbezug Reorganisation::FlurstückBezüge(const AlkisZeile& basis) {
 
     // The label point of the parcel gives its coordinates.
     const std::string pto =
-        Eintrag(m_suche.MehrfachWert(Darstellung, "AX_Flurstueck", träger.Text("id"), "id"), '}', 1);
+        TokenNr(m_suche.MehrfachWert(Darstellung, "AX_Flurstueck", träger.Text("id"), "id"), 1, "}");
     const std::string position = pto.empty() ? "-1" : m_suche.SuchWert(pto, "AP_PTO", "id", "position");
     if (!pto.empty())
         bezug.werte.emplace_back(m_spalten.Index("id_AP_PTO"), pto);
@@ -400,8 +380,7 @@ void Reorganisation::Buchungsblatt(AlkisZeile& zeile, Reorganisationsbericht& be
     }
     zeile.Setzen(I("id_AX_Namensnummer"), namensnummern);
     zeile.Setzen(I("AnzZeilen_AX_Namensnummer"),
-                 Vierstellig(static_cast<std::size_t>(
-                     std::count(namensnummern.begin(), namensnummern.end(), '}') + 1)));
+                 MitNullen(std::count(namensnummern.begin(), namensnummern.end(), '}') + 1, 4));
 }
 
 void Reorganisation::Eigentümer(AlkisZeile& zeile, Reorganisationsbericht& bericht) {
@@ -488,7 +467,7 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
         vorigesBlatt = text(zeile, blatt);
         vorigeNummer = text(zeile, lfd);
         if (text(zeile, nn).find('}') != std::string_view::npos)
-            zeile.Setzen(nn, Eintrag(text(zeile, nn), '}', zähler));
+            zeile.Setzen(nn, TokenNr(text(zeile, nn), static_cast<int>(zähler), "}"));
         Eigentümer(zeile, bericht);
     }
     zeilen = std::move(einzeln);
