@@ -311,7 +311,8 @@ private:
         }
         switch (m_abschnitt) {
         case Abschnitt::Stelle:
-            if (n == "amt" || n == "stelle")
+            // Many offices write their name in both tags; it is shown once.
+            if ((n == "amt" || n == "stelle") && tag.text != W("Katasteramt"))
                 Liste(W("Katasteramt"), tag.text, " ");
             else if (n == "strasse")
                 m_amtStraße = tag.text;

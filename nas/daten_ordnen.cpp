@@ -141,6 +141,7 @@ enum Sp : std::size_t {
     AngabenKlassifizierung,
     Landkreis,
     Dienststelle,
+    Katasteramt,
     Amtsgericht,
     Land,
     Buchungsblattbezirk,
@@ -191,9 +192,10 @@ constexpr std::array<Spaltenart, SpaltenAnzahl> Spaltenarten = {{
     {"Angaben_Klassifizierung", true},
     {"Landkreis", true},
     {"Dienststelle", true},
+    {"Katasteramt", false},
     {"Amtsgericht", true},
     {"Land", true},
-    {"buchungsblattbezirk", false},
+    {"buchungsblattbezirk", true},
     {"Flurstück", true},
     {"FKZ-Original", true},
     {"Nachname_sonstiges", false},
@@ -685,10 +687,18 @@ std::int64_t DatenOrdnen(Datenbank& db, const OrdnenUmgebung& umgebung, NasProto
         if (landkreis)
             if (const auto& wert = suche.Landkreis(z[Gemeindeschlüssel].text))
                 Setzen(z[Landkreis], *wert);
-        if (dienststelle)
-            Setzen(z[Dienststelle], suche.Dienststelle(z[Gemeindeschlüssel].text));
+        if (dienststelle) {
+            // Where no office has the municipality's key, the office of the Gemarkung.
+            std::string amt = suche.Dienststelle(z[Gemeindeschlüssel].text);
+            if (amt.empty() && spalten[Katasteramt])
+                amt = Utf8Anfang(z[Katasteramt].text, MaxTextlänge);
+            Setzen(z[Dienststelle], amt);
+        }
         if (amtsgericht)
             Setzen(z[Amtsgericht], suche.Amtsgericht(z[Buchungsblattbezirk].text));
+        // The district is sought in its blank-joined form ("07 2566") and shown compact.
+        if (spalten[Buchungsblattbezirk] && !z[Buchungsblattbezirk].null)
+            Setzen(z[Buchungsblattbezirk], Ersetzen(z[Buchungsblattbezirk].text, " ", ""));
         if (land)
             if (const auto& wert = suche.Land(z[Gemeindeschlüssel].text))
                 Setzen(z[Land], *wert);

@@ -111,7 +111,8 @@ Mehrfach MehrfachRegel(std::string_view klasse, std::string_view tabelle) {
     if (klasse == "AX_LagebezeichnungOhneHausnummer" ||
         tabelle == "AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer" ||
         tabelle == "AX_Flurstueck_zeigtAuf#ori_LagebezeichnungOhneHausnummer" ||
-        tabelle == "AX_Buchungsstelle_an#ori_Buchungsstelle")
+        tabelle == "AX_Buchungsstelle_an#ori_Buchungsstelle" ||
+        tabelle == "AX_Buchungsstelle_zu#ori_Buchungsstelle")
         return Mehrfach::Anhängen;
     if (klasse != "AX_Flurstueck" && klasse != "AX_Buchungsstelle")
         return Mehrfach::Ersetzen;

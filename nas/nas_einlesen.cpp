@@ -57,11 +57,29 @@ std::string NachUrn(std::string_view zeile, std::string_view marke) {
     return std::string(rest.substr(0, rest.find('"')));
 }
 
+bool IstHöhensystem(std::string_view system) {
+    return Kleinbuchstaben(system).find("dhhn") != std::string::npos;
+}
+
 void TabellenAuflisten(Datenbank& db, NasStand& stand) {
     stand.tabellen.clear();
     for (auto& name : DAO_Tabellen(db))
         if (std::find(stand.tabellen.begin(), stand.tabellen.end(), name) == stand.tabellen.end())
             stand.tabellen.push_back(std::move(name));
+}
+
+/// Gives the srsName columns that the scan left without a system (no reference system object in
+/// the head) the value of the system the geometry names.
+void SrsWertNachtragen(Datenbank& db, const std::string& wert) {
+    Transaktion transaktion(db);
+    for (const auto& tabelle : DAO_Tabellen(db))
+        if (DAO_FeldVorhanden(db, tabelle, "srsName")) {
+            auto setzen = db.VorbereitenNativ("UPDATE " + Bezeichner(tabelle) +
+                                              " SET \"srsName\" = ? WHERE \"srsName\" = 'Bez: '");
+            setzen.Binde(wert);
+            setzen.Schritt();
+        }
+    transaktion.Bestätigen();
 }
 
 void StatistikProtokollieren(const Lesestatistik& statistik, const ObjektSchneider& schneider,
@@ -98,6 +116,15 @@ void KoordinatenNotizen::Zeile(std::string_view zeile) {
 }
 
 void KoordinatenNotizen::Objekt(std::string_view text) {
+    if (m_standard.empty() && m_geometrie.empty())
+        for (auto pos = text.find("srsName=\"urn:adv:crs:"); pos != std::string_view::npos;
+             pos = text.find("srsName=\"urn:adv:crs:", pos + 1)) {
+            const std::string system = NachUrn(text.substr(pos), "urn:adv:crs:");
+            if (!system.empty() && !IstHöhensystem(system)) {
+                m_geometrie = system;
+                break;
+            }
+        }
     if (!m_zweites.empty())
         return;
     for (auto pos = text.find("<gml:Point srsName="); pos != std::string_view::npos && m_zweites.empty();
@@ -112,7 +139,8 @@ void KoordinatenNotizen::Punkt(std::string_view zeile) {
     if (!m_zweites.empty() || zeile.find("<gml:Point srsName=") == std::string_view::npos)
         return;
     const auto system = NachUrn(zeile, "urn:adv:crs:");
-    if (!system.empty() && system != m_standard && Kleinbuchstaben(system).find("dhhn") == std::string::npos)
+    const std::string& erstes = m_standard.empty() ? m_geometrie : m_standard;
+    if (!system.empty() && system != erstes && !IstHöhensystem(system))
         m_zweites = system;
 }
 
@@ -285,6 +313,12 @@ Ergebnis DAO_ALKISEinlesen(const NasAuftrag& auftrag, NasStand& stand, Oberfläc
         ui.Meldung(e.what(), Titel, Stil::Fehler);
     }
     stand.zweitesSystem = notizen.Zweites();
+    if (notizen.Standard().empty() && !notizen.Geometrie().empty()) {
+        // No reference system object in the file: the system its geometry names.
+        SrsWertNachtragen(*db, SrsWert(notizen.Geometrie(), werte.epsg));
+        stand.standardSystem = notizen.Geometrie();
+        protokoll.Eintrag(", Koordinatenreferenzsystem aus srsName der Geometrie: " + notizen.Geometrie());
+    }
 
     try {
         stand.antrag = NasAnreichern(*db, auftrag.xmlDatei, werte, ui);

@@ -51,14 +51,17 @@ Ergebnis DAO_ALKISEinlesen(const NasAuftrag& auftrag, NasStand& stand, Oberfläc
                            NasProtokoll& protokoll);
 
 /// The notes on coordinate systems: fed the lines of the file, they find the system marked as
-/// standard and a second system of a point.
+/// standard, the system of the first geometry (for files without the reference system object)
+/// and a second system of a point.
 class KoordinatenNotizen {
 public:
     void Zeile(std::string_view zeile);
-    /// A feature's text: its points may name a second system.
+    /// A feature's text: its geometry names the system, its points may name a second one.
     void Objekt(std::string_view text);
 
     const std::string& Standard() const { return m_standard; }
+    /// The srsName of the first geometry ("ETRS89_UTM32"), sought only while no standard is known.
+    const std::string& Geometrie() const { return m_geometrie; }
     const std::string& Zweites() const { return m_zweites; }
 
 private:
@@ -67,6 +70,7 @@ private:
     bool m_offen = false;
     std::string m_aktuell;
     std::string m_standard;
+    std::string m_geometrie;
     std::string m_zweites;
 };
 

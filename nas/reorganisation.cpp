@@ -46,6 +46,7 @@ constexpr std::array<std::string_view, BezugAnzahl> HinweisTexte = {
 // The relations the joins follow.
 constexpr std::string_view Gebucht = "AX_Flurstueck_istGebucht#AX_Buchungsstelle";
 constexpr std::string_view An = "AX_Buchungsstelle_an#ori_Buchungsstelle";
+constexpr std::string_view Zu = "AX_Buchungsstelle_zu#ori_Buchungsstelle";
 constexpr std::string_view BlattVon = "AX_Buchungsstelle_istBestandteilVon#AX_Buchungsblatt";
 constexpr std::string_view Darstellung = "AP_PTO_dientZurDarstellungVon#AX_Flurstueck";
 constexpr std::string_view WeistAuf = "AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer";
@@ -63,13 +64,14 @@ struct Suchindex {
 };
 
 // Every join seeks by an index; these are not made by the scan.
-constexpr std::array<Suchindex, 8> Indizes = {{
+constexpr std::array<Suchindex, 9> Indizes = {{
     {Darstellung, "AX_Flurstueck"},
     {"AX_Buchungsblattbezirk", "schluessel"},
     {"AX_Gemeinde", "gemeindekennzeichen"},
     {"AX_Gemarkung", "schluessel"},
     {"AX_Dienststelle", "schluesselGesamt"},
     {An, "ori_Buchungsstelle"},
+    {Zu, "ori_Buchungsstelle"},
     {"AX_LagebezeichnungKatalogeintrag", "schluessel"},
     {NamensnummernVon, "AX_Buchungsblatt"},
 }};
@@ -140,7 +142,7 @@ private:
         m_protokoll.NurDatei(", " + std::string(tabelle) + ", Index: " + std::string(schlüssel) +
                              " " + std::string(was));
     }
-    std::vector<AlkisZeile> Buchungen(const AlkisZeile& basis);
+    std::vector<AlkisZeile> Buchungen(const AlkisZeile& basis, Reorganisationsbericht& bericht);
     Flurstücksbezug FlurstückBezüge(const AlkisZeile& basis);
     void Lage(AlkisZeile& träger, Flurstücksbezug& bezug, std::string_view relation,
               std::string_view tabelle, bool mitHausnummer, std::vector<Lageeintrag>& einträge);
@@ -179,8 +181,11 @@ bool Reorganisation::Attribute(AlkisZeile& zeile, std::string_view tabelle,
 
 // The bookings of the parcel: its own, and those attached "an" it. One attached booking gives
 // two rows (its own and the attached one); two or more give a row for each attached booking,
-// the last first, and none for its own, as the register has always shown them.
-std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis) {
+// the last first, and none for its own, as the register has always shown them. Then each booking
+// that lies "zu" the parcel's own booking (the share of a served parcel that belongs to another
+// property) gives a row: its owners are owners of this parcel too.
+std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis,
+                                                  Reorganisationsbericht& bericht) {
     const std::string gebucht =
         m_suche.MehrfachWert(Gebucht, "id", basis.Text("id"), "AX_Buchungsstelle");
     std::vector<AlkisZeile> zeilen;
@@ -206,6 +211,18 @@ std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis) {
         Attribute(zeile, "AX_Buchungsstelle", "id", zeile.Text("id_AX_Buchungsstelle"), false);
         zeilen.push_back(std::move(zeile));
     } while (c > 0);
+    if (gebucht.empty())
+        return zeilen;
+    const std::string zuListe = m_suche.MehrfachWert(Zu, "ori_Buchungsstelle", gebucht, "id");
+    for (std::string_view zu : Teilen(zuListe, '}')) {
+        if (zu.empty())
+            continue;
+        AlkisZeile zeile = basis;
+        zeile.Setzen(I("id_AX_Buchungsstelle"), std::string(zu));
+        Attribute(zeile, "AX_Buchungsstelle", "id", zu, false);
+        zeilen.push_back(std::move(zeile));
+        ++bericht.zuBuchungen;
+    }
     return zeilen;
 }
 
@@ -421,9 +438,13 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
                                std::vector<AlkisZeile>& zeilen) {
     zeilen.clear();
     Flurstücksbezug bezug = FlurstückBezüge(basis);
-    std::vector<AlkisZeile> buchungen = Buchungen(basis);
     std::vector<AlkisZeile> einzeln;
-    for (AlkisZeile& buchung : buchungen) {
+    const std::int64_t zuVorher = bericht.zuBuchungen;
+    std::vector<AlkisZeile> buchungen = Buchungen(basis, bericht);
+    // The bookings taken over by "zu" stand last.
+    const std::size_t ersteZu = buchungen.size() - static_cast<std::size_t>(bericht.zuBuchungen - zuVorher);
+    for (std::size_t b = 0; b < buchungen.size(); ++b) {
+        AlkisZeile& buchung = buchungen[b];
         for (const auto& [spalte, wert] : bezug.werte)
             buchung.Setzen(spalte, wert);
         for (Bezug fehlend : bezug.fehlend)
@@ -432,6 +453,8 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
         // A row for each owner of the sheet.
         const std::size_t n = static_cast<std::size_t>(
             std::max(1.0, ZahlLesen(buchung.Text("AnzZeilen_AX_Namensnummer"))));
+        if (b >= ersteZu)
+            bericht.zuZeilen += static_cast<std::int64_t>(n);
         for (std::size_t k = 1; k < n; ++k)
             einzeln.push_back(buchung);
         einzeln.push_back(std::move(buchung));
@@ -473,15 +496,15 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
     zeilen = std::move(einzeln);
 }
 
-/// A booking may lie "an" several bookings; the scan keeps its targets in one cell, joined with
-/// ";". The joins seek a parcel's booking among the targets by index, so each target gets a row
-/// of its own first.
-void AnVerweiseVereinzeln(Datenbank& db) {
-    if (!DAO_TabelleVorhanden(db, An))
+/// A booking may lie "an" or "zu" several bookings; the scan keeps its targets in one cell,
+/// joined with ";". The joins seek a parcel's booking among the targets by index, so each target
+/// gets a row of its own first.
+void BuchungsverweiseVereinzeln(Datenbank& db, std::string_view relation) {
+    if (!DAO_TabelleVorhanden(db, relation))
         return;
     std::vector<std::pair<std::string, std::string>> mehrfach;
     {
-        auto abfrage = db.VorbereitenNativ("SELECT id, ori_Buchungsstelle FROM " + Bezeichner(An) +
+        auto abfrage = db.VorbereitenNativ("SELECT id, ori_Buchungsstelle FROM " + Bezeichner(relation) +
                                            " WHERE ori_Buchungsstelle LIKE '%;%'");
         while (abfrage.Schritt())
             mehrfach.emplace_back(abfrage.Text(0), abfrage.Text(1));
@@ -489,8 +512,8 @@ void AnVerweiseVereinzeln(Datenbank& db) {
     if (mehrfach.empty())
         return;
     Transaktion transaktion(db);
-    db.AusführenNativ("DELETE FROM " + Bezeichner(An) + " WHERE ori_Buchungsstelle LIKE '%;%'");
-    auto einfügen = db.VorbereitenNativ("INSERT INTO " + Bezeichner(An) +
+    db.AusführenNativ("DELETE FROM " + Bezeichner(relation) + " WHERE ori_Buchungsstelle LIKE '%;%'");
+    auto einfügen = db.VorbereitenNativ("INSERT INTO " + Bezeichner(relation) +
                                         " (id, ori_Buchungsstelle) VALUES (?, ?)");
     for (const auto& [id, ziele] : mehrfach)
         for (std::string_view ziel : Teilen(ziele, ';')) {
@@ -513,6 +536,13 @@ void IndizesAnlegen(Datenbank& db) {
 
 } // namespace
 
+std::string Reorganisationsbericht::ZuBuchungenText() const {
+    if (zuBuchungen == 0)
+        return {};
+    return ", Buchungen \"zu\" der Buchung eines Flurstücks: " + std::to_string(zuBuchungen) +
+           ", Zeilen: " + std::to_string(zuZeilen);
+}
+
 std::vector<std::string> Reorganisationsbericht::Hinweise() const {
     std::vector<std::string> hinweise;
     for (std::size_t i = 0; i < BezugAnzahl; ++i)
@@ -528,7 +558,8 @@ Reorganisationsbericht XmlReorganisation(Datenbank& db, NasProtokoll& protokoll,
                                            : ", Protokoll in Datei deaktiviert...");
     const AlkisSpalten spalten(db);
     AlkisAnlegen(db, spalten);
-    AnVerweiseVereinzeln(db);
+    for (const std::string_view relation : {An, Zu})
+        BuchungsverweiseVereinzeln(db, relation);
     IndizesAnlegen(db);
 
     Reorganisationsbericht bericht;
@@ -585,6 +616,8 @@ Reorganisationsbericht XmlReorganisation(Datenbank& db, NasProtokoll& protokoll,
     DatenbankKomprimieren(db);
     for (const std::string& hinweis : bericht.Hinweise())
         protokoll.Eintrag(hinweis);
+    if (const std::string zu = bericht.ZuBuchungenText(); !zu.empty())
+        protokoll.Eintrag(zu);
     protokoll.NurDatei(", ALKIS-Zusammenstellung komplett...");
     return bericht;
 }

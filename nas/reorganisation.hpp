@@ -1,6 +1,7 @@
 #pragma once
 // The XML reorganisation: the first stage of the compilation. It walks the parcels of the object
-// database and joins to each its bookings (also those attached "an" its booking), sheet, sheet
+// database and joins to each its bookings (also those attached "an" its booking and those that
+// lie "zu" it, as shares of a served parcel do), sheet, sheet
 // district, municipality, Gemarkung, label point, office, locations and owners, one row of the
 // table Alkis per parcel, booking and owner, with each owner's name number, person and address.
 // What can't be joined is counted and noted; the row stays.
@@ -46,6 +47,11 @@ struct Reorganisationsbericht {
     std::array<std::int64_t, BezugAnzahl> fehlend{};
     std::int64_t flurstücke = 0;
     std::int64_t zeilen = 0;
+    std::int64_t zuBuchungen = 0; ///< bookings that lie "zu" a parcel's booking, taken over
+    std::int64_t zuZeilen = 0;    ///< the rows they gave
+
+    /// The line of the protocol that counts the bookings taken over by "zu"; "" when none.
+    std::string ZuBuchungenText() const;
 
     void Zählen(Bezug bezug) { ++fehlend[static_cast<std::size_t>(bezug)]; }
     std::int64_t Anzahl(Bezug bezug) const { return fehlend[static_cast<std::size_t>(bezug)]; }

@@ -148,6 +148,24 @@ TEST_F(WebXmlTest, AbschnitteUndAttribute) {
     EXPECT_EQ(bericht.amtsanschrift, std::vector<std::string>{"Am Markt 1, 12345 Muster"});
 }
 
+TEST_F(WebXmlTest, KatasteramtAusAmtUndStelle) {
+    const struct {
+        std::string stelle;
+        std::string katasteramt;
+    } fälle[] = {
+        {"<amt id=\"0512\">Katasteramt Muster</amt>\n<stelle>Außenstelle Nord</stelle>\n",
+         "Katasteramt Muster Außenstelle Nord"},
+        {"<amt id=\"0512\">Katasteramt Muster</amt>\n<stelle>Katasteramt Muster</stelle>\n",
+         "Katasteramt Muster"},
+        {"<stelle>Außenstelle Nord</stelle>\n", "Außenstelle Nord"},
+    };
+    for (const auto& f : fälle) {
+        const std::string abschnitt = "<zustaendigeStelle>\n" + f.stelle + "</zustaendigeStelle>\n";
+        ASSERT_TRUE(Lesen({Auszug("051234001000420000__", abschnitt, Bestand("0001", "000123", Eigentümer("0001", "A")))}));
+        EXPECT_EQ(Zelle(0, "Katasteramt"), f.katasteramt) << f.stelle;
+    }
+}
+
 TEST_F(WebXmlTest, SpaltenInDerReihenfolgeVonXMLDatenSchreiben) {
     ASSERT_TRUE(Lesen({Auszug(Kennzeichen42, "", "")}));
     ASSERT_EQ(XMLSpalten().size(), 63u);

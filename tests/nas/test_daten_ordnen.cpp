@@ -287,6 +287,7 @@ const std::vector<std::string>& AlleSpalten() {
                                                      "Angaben_Klassifizierung",
                                                      "Landkreis",
                                                      "Dienststelle",
+                                                     "Katasteramt",
                                                      "Amtsgericht",
                                                      "Land",
                                                      "buchungsblattbezirk",
@@ -473,6 +474,7 @@ void KleineAlkis(Datenbank& db, const std::vector<std::string>& spalten) {
                 {"Landkreis", "alter Kreis"},
                 {"Land", "altes Land"},
                 {"Dienststelle", "alte Stelle"},
+                {"Katasteramt", "Katasteramt der Gemarkung"},
                 {"Rechtswert", "1"},
                 {"Hochwert", "2"},
                 {"Fläche", "abc"}});
@@ -625,9 +627,9 @@ TEST(DatenOrdnen, KreisLandDienststelleAmtsgerichtNachSchlüssel) {
         // district not known: the court is emptied
         {"r4", "Bernkastel-Wittlich", "Rheinland-Pfalz",
          "Vermessungs- und Katasteramt Westeifel-Mosel", ""},
-        // county and Land not found stay; the office is emptied; the court not in the list is
-        // the office of its key
-        {"r2", "alter Kreis", "altes Land", "", "Bernkastel-Kues"},
+        // county and Land not found stay; no office of the municipality's key: the office of the
+        // Gemarkung; the court not in the list is the office of its key
+        {"r2", "alter Kreis", "altes Land", "Katasteramt der Gemarkung", "Bernkastel-Kues"},
         // a county's name cut to 255 characters (not bytes); Land NULL stays NULL; no district
         // at all: no court
         {"r6", lang255, std::nullopt, "", ""},
@@ -638,6 +640,9 @@ TEST(DatenOrdnen, KreisLandDienststelleAmtsgerichtNachSchlüssel) {
         EXPECT_EQ(Zelle(*lauf.db, f.id, "Dienststelle"), f.dienststelle) << f.id;
         EXPECT_EQ(Zelle(*lauf.db, f.id, "Amtsgericht"), f.amtsgericht) << f.id;
     }
+    // The district is sought blank-joined and shown compact.
+    EXPECT_EQ(Zelle(*lauf.db, "r1", "buchungsblattbezirk"), "072566");
+    EXPECT_EQ(Zelle(*lauf.db, "r4", "buchungsblattbezirk"), "079999");
     // The indexes the lookups seek by were made.
     for (const auto& [tabelle, spalte] :
          std::vector<std::pair<std::string, std::string>>{{"AX_KreisRegion", "schluessel"},

@@ -70,6 +70,39 @@ TEST(NasStrecke, EinFlurstückMitEigentümerUndRing) {
     EXPECT_LT(protokoll.find(", Daten ordnen..."), protokoll.find(", Daten nach Flurix exportiert..."));
 }
 
+// The row forms the table shares with the register readers, from an extract without a Gemarkung
+// object and without a reference system object: the key from the parcel's own element, the
+// system from the geometry's srsName, the name number without dots, shares as numbers and
+// district keys compact.
+TEST(NasStrecke, ZeilenformenWieBeiDenRegisterlesern) {
+    TempOrdner quelle;
+    std::string text = DateiLesen(Quellen / "samples" / "musterstadt_bestandsdatenauszug.xml");
+    const auto ersetzen = [&text](std::string_view alt, std::string_view neu) {
+        const auto pos = text.find(alt);
+        ASSERT_NE(pos, std::string::npos) << alt;
+        text.replace(pos, alt.size(), neu);
+    };
+    ersetzen("<laufendeNummerNachDIN1421>0001</laufendeNummerNachDIN1421>",
+             "<laufendeNummerNachDIN1421>0011.11.00.00.00</laufendeNummerNachDIN1421>");
+    ersetzen("<laufendeNummer>1</laufendeNummer>",
+             "<laufendeNummer>1</laufendeNummer><anteil><AX_Anteil><zaehler>1.000000000000</zaehler>"
+             "<nenner>1000.000000000000</nenner></AX_Anteil></anteil>");
+    DateiSchreiben(quelle / "auszug.xml", text);
+    Strecke s(quelle / "auszug.xml");
+    ASSERT_TRUE(s.Lauf());
+    ASSERT_EQ(s.kataster.Zeilenzahl(), 1U);
+    const std::pair<const char*, const char*> erwartet[] = {
+        {"Namensnummer", "001111000000"},       {"Anteil_Buchungsstelle_Zähler", "1"},
+        {"Anteil_Buchungsstelle_Nenner", "1000"}, {"Anteil_Sondereigentum", "1/1000"},
+        {"Gemarkungsschlüssel", "051234"},      {"buchungsblattbezirk", "051234"},
+        {"EPSG", "25832"},                      {"MKZ", "32"},
+    };
+    for (const auto& [spalte, wert] : erwartet)
+        EXPECT_EQ(s.kataster.Zelle(0, spalte), wert) << spalte;
+    EXPECT_NE(s.Protokoll().find(", Koordinatenreferenzsystem aus srsName der Geometrie: ETRS89_UTM32"),
+              std::string::npos);
+}
+
 TEST(NasStrecke, FehlerhafteZuordnungszeileWirdGezähltUndDerRestLäuft) {
     Strecke s(Quellen / "samples" / "musterstadt_nas.xml");
     const auto skript = s.ordner / "config" / "ALKIS_Zuordnung.dat";

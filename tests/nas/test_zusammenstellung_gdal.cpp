@@ -4,8 +4,12 @@
 //
 //  * Rows. The parcel's own booking B (istGebucht) and the bookings A1..Ak attached to it (their
 //    relation "an" points to B) decide which bookings give rows: B alone when k = 0, B and A1 when
-//    k = 1, A1..Ak without B when k >= 2. Each of them gives one row per AX_Namensnummer of its
-//    sheet (the Namensnummer whose istBestandteilVon is that sheet), at least one row.
+//    k = 1, A1..Ak without B when k >= 2; then each booking Z that lies "zu" B (a share of a
+//    served parcel). Each of them gives one row per AX_Namensnummer of its sheet (the
+//    Namensnummer whose istBestandteilVon is that sheet), at least one row.
+//  * Register order. The owners of each booking stand in the rows in the order of their
+//    laufendeNummerNachDIN1421, and the register extract numbers each of them with the first three
+//    levels of that number (0001.02.00.00.00 is owner 1.2.0); checked for every parcel.
 //  * Owners. The column Name holds "nachnameOderFirma, vorname" (the name alone without a first
 //    name) of the person each Namensnummer names (benennt); as a multiset per parcel.
 //  * Addresses. For a person with an address (hat): Straße "strasse hausnummer" and Ort
@@ -37,6 +41,7 @@
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
 #include "nas/gdal_testbezirk.hpp"
+#include "report/registerauszug.hpp"
 
 #include <gtest/gtest.h>
 
@@ -319,6 +324,21 @@ struct Lage {
     std::set<std::string> unbenannt;
 };
 
+// The owners of one booking in the order of the register: the owner number as the register
+// extract prints it, and the name.
+using Eigentümerfolge = std::vector<std::pair<std::string, std::string>>;
+
+// The first three levels of a number after DIN 1421 ("0001.02.00.00.00" gives "1.2.0").
+std::string DreiStufen(std::string_view din) {
+    const auto teile = Teilen(din, ".");
+    std::string aus;
+    for (std::size_t i = 0; i < 3; ++i) {
+        const std::string stufe = i < teile.size() ? OhneNullen(teile[i]) : std::string();
+        aus += (i > 0 ? "." : "") + (stufe.empty() ? std::string("0") : stufe);
+    }
+    return aus;
+}
+
 struct Erwartung {
     std::string kennzeichen;        // as the file writes it
     std::string tabellenKennzeichen; // "_" as "0"
@@ -331,6 +351,7 @@ struct Erwartung {
     std::string gemarkung, flur, flurstück;
     Lage lage;
     std::size_t übergangen = 0; // locations without house number passed over for those with
+    std::map<std::string, Eigentümerfolge> eigentümerJeBuchung; // by "sheet|booking number"
     std::string hinweis; // what in GDAL's reading explains a difference, "" when nothing stands out
 };
 
@@ -405,12 +426,18 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
                 buchungen = {b, angehängt.front()};
             else
                 buchungen = angehängt;
+            for (const auto& z : g.Quellen("zu", b))
+                if (g.buchungsstellen.contains(z))
+                    buchungen.push_back(z);
             for (const auto& a : angehängt)
                 if (g.Ziele("an", a).size() > 1)
                     e.hinweis += " Buchung " + a + " hängt mit \"an\" an " +
                                  std::to_string(g.Ziele("an", a).size()) + " Buchungen;";
         }
         for (const auto& buchung : buchungen) {
+            const std::string bvnr = OhneNullen(Feld(g.buchungsstellen.at(buchung), "laufendeNummer"));
+            // A booking without owners still gives its row, with the number of an empty name number.
+            const Eigentümerfolge ohneEigentümer = {{"0.0.0", ""}};
             std::vector<std::string> blätter;
             for (const auto& s : g.Ziele("istBestandteilVon", buchung))
                 if (g.buchungsblätter.contains(s))
@@ -418,6 +445,7 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
             if (blätter.size() != 1)
                 e.hinweis += " Buchung " + buchung + " in " + std::to_string(blätter.size()) + " Blättern;";
             if (blätter.empty()) {
+                e.eigentümerJeBuchung["|" + bvnr] = ohneEigentümer;
                 ++e.zeilen;
                 e.blätter.emplace_back();
                 continue;
@@ -426,17 +454,21 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
             const std::string blattnummer =
                 OhneNullen(Feld(g.buchungsblätter.at(blatt), "buchungsblattnummerMitBuchstabenerweiterung"));
             std::size_t eigentümer = 0;
+            std::vector<std::pair<std::string, std::pair<std::string, std::string>>> folge; // by DIN
             for (const auto& n : g.Quellen("istBestandteilVon", blatt)) {
                 if (!g.namensnummern.contains(n))
                     continue;
                 ++eigentümer;
+                const std::string din = Trimmen(Feld(g.namensnummern.at(n), "laufendeNummerNachDIN1421"));
+                std::string name;
                 for (const auto& p : g.Ziele("benennt", n)) {
                     const auto person = g.personen.find(p);
                     if (person == g.personen.end())
                         continue;
                     const std::string nachname = Trimmen(Feld(person->second, "nachnameOderFirma"));
                     const std::string vorname = Trimmen(Feld(person->second, "vorname"));
-                    e.namen.push_back(vorname.empty() ? nachname : nachname + ", " + vorname);
+                    name = vorname.empty() ? nachname : nachname + ", " + vorname;
+                    e.namen.push_back(name);
                     for (const auto& a : g.Ziele("hat", p)) {
                         const auto anschrift = g.anschriften.find(a);
                         if (anschrift == g.anschriften.end())
@@ -447,7 +479,15 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
                                                              Feld(m, "ort_Post")));
                     }
                 }
+                folge.push_back({din, {DreiStufen(din), name}});
             }
+            std::stable_sort(folge.begin(), folge.end(),
+                             [](const auto& a, const auto& b) { return a.first < b.first; });
+            auto& eigentümerfolge = e.eigentümerJeBuchung[blattnummer + "|" + bvnr];
+            for (auto& [din, eintrag] : folge)
+                eigentümerfolge.push_back(std::move(eintrag));
+            if (folge.empty())
+                eigentümerfolge = ohneEigentümer;
             const std::size_t zeilen = std::max<std::size_t>(eigentümer, 1);
             e.zeilen += zeilen;
             e.blätter.insert(e.blätter.end(), zeilen, blattnummer);
@@ -820,6 +860,46 @@ TEST_F(ZusammenstellungGdal, KennzeichenGemarkungFlurUndFlurstückWieGdal) {
             abweichungen.push_back(Kopf(*e) + "GDAL kennt keine Gemarkung des Flurstücks");
     }
     Melden(abweichungen, "andere Merkmale des Flurstücks");
+}
+
+// Every parcel: the owners of each of its bookings in the number and order of the register, each
+// numbered by the register extract as the register numbers it.
+TEST_F(ZusammenstellungGdal, EigentümerJeBuchungInZahlUndReihenfolgeDesRegisters) {
+    std::vector<std::string> abweichungen;
+    std::size_t eigentümer = 0;
+    for (const auto& [schlüssel, e] : s_befund->erwartungen) {
+        std::vector<std::size_t> zeilen(Zeilen(e).begin(), Zeilen(e).end());
+        std::sort(zeilen.begin(), zeilen.end(), [](std::size_t a, std::size_t b) {
+            return Zelle(a, "Eigentümerposition") < Zelle(b, "Eigentümerposition");
+        });
+        std::map<std::string, Eigentümerfolge> gelesen;
+        for (const auto z : zeilen)
+            gelesen[OhneNullen(Zelle(z, "Grundbuchblatt")) + "|" + OhneNullen(Zelle(z, "BVNR"))]
+                .emplace_back(report::Eigentümernummer(Zelle(z, "Namensnummer")), Zelle(z, "Name"));
+        const auto& soll = e.eigentümerJeBuchung;
+        for (const auto& [buchung, folge] : soll)
+            eigentümer += folge.size();
+        if (gelesen == soll)
+            continue;
+        std::string text;
+        for (const auto& [buchung, folge] : soll) {
+            const auto ist = gelesen.find(buchung);
+            if (ist != gelesen.end() && ist->second == folge)
+                continue;
+            text += " Blatt|BVNR " + buchung + ": " + Liste(folge) + " statt " +
+                    (ist == gelesen.end() ? std::string("keiner Zeile") : Liste(ist->second)) + ";";
+        }
+        for (const auto& [buchung, folge] : gelesen)
+            if (!soll.contains(buchung))
+                text += " Zeilen für Blatt|BVNR " + buchung + " zu viel: " + Liste(folge) + ";";
+        abweichungen.push_back(Kopf(e) + text);
+    }
+    EXPECT_GT(eigentümer, 6000u);
+    std::string erste;
+    for (std::size_t i = 0; i < std::min<std::size_t>(abweichungen.size(), 12); ++i)
+        erste += "\n  " + abweichungen[i];
+    EXPECT_EQ(abweichungen.size(), 0u) << "Eigentümer anders als im Register bei " << abweichungen.size()
+                                       << " von " << s_befund->erwartungen.size() << " Flurstücken:" << erste;
 }
 
 } // namespace
