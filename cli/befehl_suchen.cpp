@@ -75,9 +75,13 @@ int BefehlSuchen(const std::vector<std::string>& argumente, std::ostream& aus, s
     try {
         Kataster kataster;
         KatasterLaden(kataster, args->positionen.front());
+        std::string hinweis;
         const std::size_t treffer = CmdFlurixSuchbegriff(
             kataster, *args->Wert("--spalte"), args->Wert("--begriff").value_or(""), paar,
-            args->Hat("--alle-eigentuemer-in-einer-zeile"), nullptr, sitzung.ui);
+            args->Hat("--alle-eigentuemer-in-einer-zeile"), nullptr, sitzung.ui, &hinweis);
+        // The status bar's note: the rows were found by the term as typed, not by its padded form.
+        if (!hinweis.empty())
+            fehler << hinweis << '\n';
         const Kataster auswahl = AuswahlAlsTabelle(kataster);
         if (const auto out = args->Wert("--out")) {
             KatasterSpeichern(auswahl, *out);

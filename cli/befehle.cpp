@@ -46,6 +46,8 @@ const std::vector<Befehl>& Befehle() {
          "  die ganze Zelle ohne Rücksicht auf Groß- und Kleinschreibung, mit \"*\" am Ende ihren\n"
          "  Anfang. Ohne Begriff trifft jede Zeile (mit --gemarkung und --flur die Zeilen der Flur).\n"
          "  Die Treffer werden nach Gemarkungsschlüssel und Eigentümerposition sortiert.\n"
+         "  Findet die aufgefüllte Form nichts, wird der Begriff wie eingegeben gesucht (WLDGE\n"
+         "  \"00012/003\", Web-XML \"12/3\"); trifft er so, steht ein Hinweis auf stderr.\n"
          "  --gemarkung <name> --flur <nr>   nur Zeilen dieser Gemarkung (Name) und Flur\n"
          "  --alle-eigentuemer-in-einer-zeile   \"*\" anhängen: trifft den Anfang einer Namensliste\n"
          "  --out <datei>     die Trefferzeilen als Tabelle schreiben (.tsv, .fil), alle Spalten;\n"

@@ -38,7 +38,9 @@ const std::vector<KatalogSpalte>& Katalog() {
     {"Straßenschlüssel", "Straßen ID", 2000},
     {"Rechtswert", "Rechtswert", 1000},
     {"Hochwert", "Hochwert", 1000},
-    {"checkdruck", "✓", 600},
+    // The mark column's sign must survive the text exports, which write Windows-1252: a check
+    // mark would become "?" there, the multiplication sign reads as the cross a form is marked with.
+    {"checkdruck", "×", 600},
     {"Nutzung_tatsächlich", "Nutzung_tatsächlich", 1500},
     {"NA_Klassifizierung", "NA_Klassifizierung", 1500},
     {"NA-Fläche", "NA-Fläche", 1200},

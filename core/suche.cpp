@@ -164,21 +164,30 @@ bool ZeileInGemarkungFlur(const Kataster& kataster, std::size_t zeile, const Gem
     return InPaar(GemarkungFlurLeser(kataster, paar.ausKennzeichen), zeile, paar);
 }
 
+std::string WieEingegebenHinweis(std::string_view aufgefüllt, std::string_view eingegeben) {
+    return "Kein Treffer für „" + std::string(aufgefüllt) + "“, gesucht wie eingegeben: " +
+           std::string(eingegeben);
+}
+
 std::size_t CmdFlurixSuchbegriff(Kataster& kataster, std::string_view spalte,
                                  std::string_view begriff, const std::optional<GemarkungFlur>& paar,
                                  bool alleEigentümerInEinerZeile, Stempelnummerierung* lageplan,
-                                 Oberfläche& ui) {
+                                 Oberfläche& ui, std::string* hinweis) {
     // A blank term is searched as "*", the start of every cell.
-    std::string gesucht = SuchbegriffAuffüllen(spalte, begriff);
-    if (gesucht.empty())
-        gesucht = "*";
-    if (alleEigentümerInEinerZeile && !gesucht.ends_with('*'))
-        gesucht += '*';
+    const auto suchform = [alleEigentümerInEinerZeile](std::string text) {
+        if (text.empty())
+            text = "*";
+        if (alleEigentümerInEinerZeile && !text.ends_with('*'))
+            text += '*';
+        return text;
+    };
+    const std::string gesucht = suchform(SuchbegriffAuffüllen(spalte, begriff));
+    const std::string eingegeben = suchform(std::string(TrimmeLeerzeichen(begriff)));
+    std::string wieEingegeben; // the note, when the term as typed found the rows
 
     kataster.AuswahlLeeren();
     std::size_t treffer = 0;
     if (const auto index = kataster.SpaltenIndex(spalte)) {
-        const Suchmuster muster(gesucht);
         const std::optional<GemarkungFlurLeser> leser =
             paar ? std::optional<GemarkungFlurLeser>(std::in_place, kataster, paar->ausKennzeichen)
                  : std::nullopt;
@@ -187,16 +196,32 @@ std::size_t CmdFlurixSuchbegriff(Kataster& kataster, std::string_view spalte,
             MarkierungsspalteSicherstellen(kataster);
             StempelspalteSicherstellen(kataster);
         }
-        for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z) {
-            if (!muster.Passt(kataster.Zelle(z, *index)) || (leser && !InPaar(*leser, z, *paar)))
-                continue;
-            kataster.Auswählen(z);
-            ++treffer;
-            if (lageplan)
-                MarkierungGeklickt(kataster, z, true, *lageplan);
+        const auto durchsuchen = [&](std::string_view form) {
+            const Suchmuster muster(form);
+            std::size_t gefunden = 0;
+            for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z) {
+                if (!muster.Passt(kataster.Zelle(z, *index)) || (leser && !InPaar(*leser, z, *paar)))
+                    continue;
+                kataster.Auswählen(z);
+                ++gefunden;
+                if (lageplan)
+                    MarkierungGeklickt(kataster, z, true, *lageplan);
+            }
+            return gefunden;
+        };
+        treffer = durchsuchen(gesucht);
+        // The padded form is that of NAS data; WLDGE and Web-XML cells keep forms of their own.
+        if (treffer == 0 && eingegeben != gesucht) {
+            treffer = durchsuchen(eingegeben);
+            if (treffer > 0)
+                wieEingegeben = WieEingegebenHinweis(gesucht, eingegeben);
         }
     }
     ui.Status(1, std::to_string(treffer) + " Zeile(n) selektiert  ");
+    // Also without a note: the note of an earlier search must not stay.
+    ui.Status(2, wieEingegeben);
+    if (hinweis)
+        *hinweis = wieEingegeben;
     kataster.Sortieren("Gemarkungsschlüssel,Grunbuchblatt,Eigentümerposition");
     if (treffer == 0) {
         const std::string text =

@@ -61,6 +61,12 @@ bool ZeileInGemarkungFlur(const Kataster& kataster, std::size_t zeile, const Gem
 /// (whole cell, or its start for a term ending in "*", without regard to case). With `paar`, rows
 /// outside that Gemarkung and Flur don't count.
 ///
+/// The padded form is that of NAS data ("00012/0003"); WLDGE cells ("00012/003") and Web-XML
+/// cells ("12/3") never match it. So when the padded form finds nothing and the term as typed
+/// (trimmed, with the same "*") differs from it, the term as typed is searched as well. When that
+/// finds rows, status panel 2 shows WieEingegebenHinweis, and `hinweis`, when given, gets the same
+/// text (the command line writes it to stderr); otherwise both are emptied.
+///
 /// A blank term matches every row: with a chosen pair it finds all rows of the pair, without one
 /// it selects the whole table.
 ///
@@ -76,7 +82,11 @@ bool ZeileInGemarkungFlur(const Kataster& kataster, std::size_t zeile, const Gem
 std::size_t CmdFlurixSuchbegriff(Kataster& kataster, std::string_view spalte,
                                  std::string_view begriff, const std::optional<GemarkungFlur>& paar,
                                  bool alleEigentümerInEinerZeile, Stempelnummerierung* lageplan,
-                                 Oberfläche& ui);
+                                 Oberfläche& ui, std::string* hinweis = nullptr);
+
+/// The note of a search that found its rows only by the term as typed:
+/// "Kein Treffer für „" + padded + "“, gesucht wie eingegeben: " + typed.
+std::string WieEingegebenHinweis(std::string_view aufgefüllt, std::string_view eingegeben);
 
 /// The entries of the Gemarkung and Flur box: the table is sorted by "Gemarkungsschlüssel,Flur",
 /// and each new pair of `Gemarkung` and `Flur` on the way down gives one entry "Gemarkung, Flur".

@@ -77,7 +77,8 @@ void Schreiben(const Kataster& kataster, Speicherformat format, const std::files
         break;
     default: schreiber = std::make_unique<XmlSchreiber>(ziel, spalten); break;
     }
-    TabelleSchreiben(kataster, auswahl, *schreiber, &ui);
+    // The grid is read out row by row: the status bar shows how far.
+    TabelleSchreiben(kataster, auswahl, *schreiber, &ui, "% ausgelesen  ");
 }
 
 } // namespace
@@ -96,7 +97,14 @@ std::string_view Endung(Speicherformat format) {
 }
 
 std::string Speicherstamm(std::string_view pfad) {
-    return std::string(pfad.substr(0, pfad.find('.')));
+    // The last dot of the file name: a dot in a folder ("/home/jan.mueller/") or a name's
+    // leading dot (".liste") is no extension.
+    const auto trenner = pfad.rfind('/');
+    const auto name = trenner == std::string_view::npos ? 0 : trenner + 1;
+    const auto punkt = pfad.rfind('.');
+    if (punkt == std::string_view::npos || punkt <= name)
+        return std::string(pfad);
+    return std::string(pfad.substr(0, punkt));
 }
 
 Ergebnis ALBDatenSpeichernUnter(const Kataster& kataster, Speicherformat format,
@@ -201,7 +209,7 @@ Ergebnis CreateGridReport(const Kataster& kataster, const std::filesystem::path&
         for (std::size_t z = 0; z < auswahl.zeilen.size(); ++z)
             auswahl.zeilen[z] = z;
         HtmlSchreiber schreiber(datei, Ausgabespalten(kataster, auswahl));
-        TabelleSchreiben(kataster, auswahl, schreiber);
+        TabelleSchreiben(kataster, auswahl, schreiber, &ui, "% ausgelesen  ");
         return Ergebnis::Ok();
     } catch (const std::exception& e) {
         std::string text = "Der Bericht " + datei.string() + " kann nicht erzeugt werden: " +

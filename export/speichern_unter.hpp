@@ -80,7 +80,8 @@ struct Speicherumgebung {
 ///    ausgegeben! Weiter?   " (title "Flurix"); they write the visible columns in the order shown
 ///    and the selected rows, or all rows when none is selected. The saved table asks only "Es
 ///    werden alle Daten exportiert! Weiter?   " (title "Flurix") and writes all rows and columns.
-///    A No ends the save with nothing written.
+///    A No ends the save with nothing written. While the rows are written, status panel 2 shows
+///    the percent of them + "% ausgelesen  " (the Access export: "% exportiert  ").
 /// 5. Status panel 2: "Datei " + target + " erzeugt   ".
 /// A failure while writing is shown (title "Flurix", error style) and returned; no part of a file is
 /// left behind. An unattended UI answers every question Yes. Never throws. Returns Ok, Abgebrochen
@@ -106,7 +107,8 @@ std::filesystem::path BerichtsdateiStandard();
 
 /// The HTML report of the table (HtmlSchreiber): all rows, the visible columns in the order shown,
 /// written to `datei`, whose folder is made when missing. Returns Ok; when it can't be written, the
-/// error is shown (title "Flurix") and returned. The GUI opens the file in the browser afterwards.
+/// error is shown (title "Flurix") and returned. Status panel 2 shows the percent of rows written
+/// + "% ausgelesen  ". The GUI opens the file in the browser afterwards.
 /// Never throws.
 Ergebnis CreateGridReport(const Kataster& kataster, const std::filesystem::path& datei,
                           Oberfläche& ui);

@@ -100,10 +100,10 @@ void FormDatenbank::BedienelementeAnlegen() {
     m_spaltenansicht->setObjectName(QStringLiteral("ComboSpaltenansicht"));
     m_spaltenansicht->setToolTip(QStringLiteral("Spaltenansicht der Tabelle"));
     m_spaltenansicht->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    for (const std::string& ansicht : m_zustand.spaltenansichten)
-        m_spaltenansicht->addItem(QText(ansicht));
-    m_spaltenansicht->setCurrentIndex(
-        static_cast<int>(m_spaltenansicht->findText(QText(m_zustand.gewünschteAnsicht))));
+    AnsichtsboxFüllen();
+    // A view the file doesn't have leaves the table as the catalogue made it, under "alles".
+    m_spaltenansicht->setCurrentIndex(std::max(
+        0, static_cast<int>(m_spaltenansicht->findText(QText(m_zustand.gewünschteAnsicht)))));
     m_werkzeugleiste->addWidget(m_spaltenansicht);
     m_werkzeugleiste->addSeparator();
 
@@ -117,6 +117,7 @@ void FormDatenbank::BedienelementeAnlegen() {
     auto* abstand = new QWidget(m_werkzeugleiste);
     abstand->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_werkzeugleiste->addWidget(abstand);
+    HilfeAnlegen();
     QAction* beenden = Befehl(QStringLiteral("btnBeenden"), QStyle::SP_DialogCloseButton,
                               QStringLiteral("Beenden"), QStringLiteral("Flurix beenden"));
 
@@ -210,6 +211,11 @@ void FormDatenbank::WerkzeugeAnlegen() {
            &FormDatenbank::AnsichtsdateiBearbeiten);
     befehl(QStringLiteral("ALBDatenSpalteNeu"), QStringLiteral("Spaltenansichten neu einlesen"),
            &FormDatenbank::AnsichtenNeuLesen);
+    menü->addSeparator();
+    befehl(QStringLiteral("ALBbtnDbSpaltenbreite"), QStringLiteral("Spaltenbreiten anpassen"),
+           &FormDatenbank::SpaltenbreitenAnpassen);
+    befehl(QStringLiteral("ALBDatenSpalteMin"), QStringLiteral("Spalten minimieren"),
+           &FormDatenbank::SpaltenMinimieren);
 
     connect(m_entsperren, &QAction::toggled, this,
             [this](bool an) { m_modell->EntsperrtSetzen(an); });
@@ -333,24 +339,47 @@ void FormDatenbank::LadeumgebungEinrichten(import::Ladeumgebung& umgebung,
     };
     umgebung.optionen = m_optionen;
     // The same readers as the command line, so that a file reads the same way in both.
+    const bool webXml = auftrag.art == import::Eingabeart::WebXml;
     const import::LeserOrt ort{m_zustand.arbeitsverzeichnis,
-                               m_zustand.installation.Spaltenansichten(), Spaltenansicht(),
-                               auftrag.art == import::Eingabeart::WebXml};
+                               m_zustand.installation.Spaltenansichten(), Spaltenansicht(), webXml};
     import::LeserEintragen(umgebung, m_kataster, m_ui, ort);
+    if (webXml) {
+        // Web-XML chosen in the dialog: the replace question comes first, as for every load; a No
+        // ends the load. The readers' surroundings leave the question out for the command line,
+        // which appends without it.
+        umgebung.tabellenZeilen = [this] { return m_kataster.Zeilenzahl(); };
+    }
 
     // The readers change the table behind the model's back: each runs inside a model reset, and
     // the grid's own state (lock, search boxes) follows the new table afterwards.
     import::Leser& leser = umgebung.leser;
-    const import::ImportOptionen& optionen = umgebung.optionen; // the dialog writes it there
-    const auto datei = [this, &optionen](auto lesen) {
-        return [this, &optionen, lesen = std::move(lesen)](const auto&... argumente) {
-            return Einlesen([&] { return lesen(argumente...); }, optionen);
+    const auto datei = [this](auto lesen) {
+        return [this, lesen = std::move(lesen)](const auto&... argumente) {
+            return Einlesen([&] { return lesen(argumente...); });
         };
     };
     leser.wldgeKomplett = datei(std::move(leser.wldgeKomplett));
-    leser.wldgeSchnell = datei(std::move(leser.wldgeSchnell));
+    // The quick reader fills the box only when "Flurstückssuche vereinfachen" asks for it.
+    leser.wldgeSchnell = [this, &optionen = umgebung.optionen,
+                          lesen = std::move(leser.wldgeSchnell)](const auto&... argumente) {
+        const Gemarkungspaare keine{{}, false};
+        return Einlesen([&] { return lesen(argumente...); },
+                        optionen.suchbegriffGemarkung ? nullptr : &keine);
+    };
     leser.webXml = datei(std::move(leser.webXml));
-    leser.tabelle = datei(std::move(leser.tabelle));
+    // Only a saved table fills the box by its own rule: below 5000 rows, or from the parcel keys
+    // whatever the size when "Flurstückssuche vereinfachen" was chosen in the import dialog.
+    leser.tabelle = [this, ort, &optionen = umgebung.optionen](const std::filesystem::path& tabelle) {
+        const import::TabellenLadeumgebung laden{ort.ansichtsdatei, ort.ansicht,
+                                                 optionen.suchbegriffGemarkung};
+        Gemarkungspaare paare{{}, optionen.suchbegriffGemarkung};
+        return Einlesen(
+            [&] {
+                return import::GespeicherteTabelleLaden(tabelle, laden, m_kataster, m_ui,
+                                                        &paare.einträge);
+            },
+            &paare);
+    };
     // NAS goes the direct way: scan, compilation and the rows into the table, with the
     // questions a person is asked.
     leser.nasFenster = datei([this](const std::filesystem::path& nasDatei) {
@@ -372,32 +401,26 @@ void FormDatenbank::LadeumgebungEinrichten(import::Ladeumgebung& umgebung,
 }
 
 Ergebnis FormDatenbank::Einlesen(const std::function<Ergebnis()>& lesen,
-                                 const import::ImportOptionen& optionen) {
+                                 const Gemarkungspaare* eigene) {
     // A new table starts locked against edits.
     m_entsperren->setChecked(false);
     Ergebnis ergebnis;
-    std::vector<std::string> paare;
-    const bool ausKennzeichen = optionen.suchbegriffGemarkung;
+    Gemarkungspaare paare;
     Umbauen([&] {
         ergebnis = lesen();
-        if (!ergebnis || !m_kataster.SpaltenIndex("Gemarkung"))
+        if (!ergebnis || eigene || !m_kataster.SpaltenIndex("Gemarkung"))
             return;
-        // The rule of the saved-table reader: the parcel keys on request whatever the size, the
-        // columns below the limit, where the list is still worth its wait. The reader's last
-        // word (rows read) stays in panel 1, not the percent of the box.
+        // The readers fill the box from the columns whatever the size of the table. The reader's
+        // last word (rows read) stays in panel 1, not the percent of the box.
         const QString gelesen = m_panels[0]->text();
         const auto zurück = qScopeGuard([&] { m_panels[0]->setText(gelesen); });
-        if (ausKennzeichen)
-            paare = BoxGemFlurNASFüllen(m_kataster, m_ui);
-        else if (m_kataster.Zeilenzahl() < import::GemFlurBoxGrenze)
-            paare = BoxGemFlurFüllen(m_kataster, m_ui);
-        else
-            return;
+        paare.einträge = BoxGemFlurFüllen(m_kataster, m_ui);
         // Filling the box sorts the table its own way; every reader leaves it in this order.
         m_kataster.Sortieren(StandardSortierung);
     });
     if (ergebnis)
-        GemarkungsboxFüllen(paare, ausKennzeichen);
+        GemarkungsboxFüllen(eigene ? eigene->einträge : paare.einträge,
+                            eigene && eigene->ausKennzeichen);
     // Even a failed read may have changed the columns.
     SuchspaltenFüllen();
     return ergebnis;

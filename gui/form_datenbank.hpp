@@ -70,6 +70,13 @@ public:
     void DbOeffnen();
     /// btnOptSystem: the dialog of the configuration backup.
     void OptSystem();
+    /// btnHilfe: README.md of the installation as an HTML page in the working directory, opened
+    /// in the browser; the file itself when the page can't be written. Without README.md the user
+    /// is told. Returns the file opened, empty for none.
+    std::filesystem::path Hilfe();
+    /// btnInfo: the program's version and git revision and the libraries it uses with their
+    /// licences, in a message box.
+    void Info();
     /// btnBeenden (Beenden_Click): the one way out. Returns false when the user chose to stay;
     /// otherwise the column widths are saved, the window is hidden and the event loop is told to
     /// end with `exitcode`.
@@ -134,6 +141,13 @@ public:
     /// ALBDatenSpalteNeu: the view box filled anew from ALB_DatenbankSpalten.dat; the view shown
     /// stays when the file still has it, else "alles" is applied.
     void AnsichtenNeuLesen();
+    /// ALBbtnDbSpaltenbreite_Click: each shown column as wide as its caption and the widest of its
+    /// longest cells as the grid draws them (check box columns keep their width); the widths are
+    /// saved.
+    void SpaltenbreitenAnpassen();
+    /// ALBDatenSpalteMin: each shown column shrunk to the width of its caption, `Flurstück`
+    /// shaded, so that the whole table fits the window; the widths are saved.
+    void SpaltenMinimieren();
 
     /// The column widths in the form of "ColWidths".
     std::string Spaltenbreiten() const;
@@ -203,10 +217,16 @@ private:
     /// The readers of import::LeserEintragen for `auftrag`, each wrapped in Einlesen, and the
     /// options dialog of this window. `umgebung` must stay where it is: the readers refer to it.
     void LadeumgebungEinrichten(import::Ladeumgebung& umgebung, const import::Ladeauftrag& auftrag);
+    /// Entries of the Gemarkung and Flur box that a reader made itself.
+    struct Gemarkungspaare {
+        std::vector<std::string> einträge;
+        bool ausKennzeichen = false; ///< BoxGemFlurNASFüllen made them
+    };
     /// One reader's run inside a model reset; then the grid locked, the Gemarkung and Flur box
-    /// filled as `optionen` ask, and the search column box anew.
+    /// filled, and the search column box anew. The box gets `eigene` when given (a saved table,
+    /// filled by the rule of that load), else the pairs of the table's columns whatever its size.
     Ergebnis Einlesen(const std::function<Ergebnis()>& lesen,
-                      const import::ImportOptionen& optionen);
+                      const Gemarkungspaare* eigene = nullptr);
     void Sperren(bool gesperrt);
 
     /// Work that replaces, reorders or re-columns the table: the model is reset around it, the
@@ -231,6 +251,11 @@ private:
     /// FlurixSuchbegriffGemarkung anew: an empty entry (no pair), then the entries.
     void GemarkungsboxFüllen(const std::vector<std::string>& einträge, bool ausKennzeichen);
     void AnsichtsboxSetzen(const std::string& ansicht);
+    /// ComboSpaltenansicht: "alles", built in, then the views the start-up read from the file.
+    void AnsichtsboxFüllen();
+    /// Gives the shown columns `breite(column)` twips, then shows and saves the widths.
+    void BreitenSetzen(const std::function<int(const KatasterSpalte&, int abschnitt)>& breite);
+    void HilfeAnlegen();
     void ZurErstenAuswahl();
     QString Auftragsordner() const;
     void SortierungZeigen();

@@ -33,6 +33,12 @@ QToolBar* FormDatenbank::SuchleisteAnlegen() {
     m_suchbegriff = new QLineEdit(leiste);
     m_suchbegriff->setObjectName(QStringLiteral("FlurixSuchbegriff"));
     m_suchbegriff->setPlaceholderText(QStringLiteral("z.B. 231/1"));
+    // The padding rule of the search, so that no one wonders why "12/3" finds "00012/0003".
+    m_suchbegriff->setToolTip(QStringLiteral(
+        "Der Begriff wird für die Spalte mit Nullen aufgefüllt wie in NAS-Daten: Flurstück 231 "
+        "als 00231/0000, 12/3 als 00012/0003, Flur auf 4, Grundbuchblatt auf 7, Fläche auf 9 "
+        "Stellen.\nFindet das nichts (WLDGE: 00012/003, Web-XML: 12/3), wird der Begriff wie "
+        "eingegeben gesucht; die Statusleiste sagt es dann."));
     m_suchbegriff->setClearButtonEnabled(true);
     m_suchbegriff->setMinimumWidth(180);
     leiste->addWidget(m_suchbegriff);

@@ -21,10 +21,13 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QStyle>
 #include <QSignalBlocker>
 #include <QTableView>
 
 #include <algorithm>
+#include <functional>
+#include <queue>
 #include <utility>
 
 namespace flurix::gui {
@@ -34,6 +37,11 @@ namespace {
 /// to a cell of thousands of characters would push every other one out of sight.
 constexpr int BreiteMindestens = 12;
 constexpr int BreiteHöchstens = 900;
+
+/// Texts of a column measured when its width is fitted: its longest ones.
+constexpr std::size_t GemesseneTexte = 20;
+/// Pixels beside the text of a cell or header.
+constexpr int Textrand = 8;
 
 /// Settings path of the column widths.
 constexpr std::string_view EinstellungAnwendung = "MyApplication";
@@ -296,15 +304,21 @@ void FormDatenbank::AnsichtsdateiBearbeiten() {
         m_dateiÖffnen(QUrl::fromLocalFile(QPfad(datei)));
 }
 
+void FormDatenbank::AnsichtsboxFüllen() {
+    const QSignalBlocker sperre(m_spaltenansicht);
+    m_spaltenansicht->clear();
+    m_spaltenansicht->addItem(QText(AnsichtAlles));
+    for (const std::string& ansicht : m_zustand.spaltenansichten)
+        if (ansicht != AnsichtAlles)
+            m_spaltenansicht->addItem(QText(ansicht));
+}
+
 void FormDatenbank::AnsichtenNeuLesen() {
     const std::string gezeigt = Spaltenansicht();
+    // The views of the file, as the start-up keeps them: "alles" is the box's own.
     m_zustand.spaltenansichten = AnsichtenNamen(m_zustand.installation.Spaltenansichten());
-    {
-        const QSignalBlocker sperre(m_spaltenansicht);
-        m_spaltenansicht->clear();
-        for (const std::string& ansicht : m_zustand.spaltenansichten)
-            m_spaltenansicht->addItem(QText(ansicht));
-    }
+    m_zustand.spaltenansichten.erase(m_zustand.spaltenansichten.begin());
+    AnsichtsboxFüllen();
     // The file may have changed the view shown: it is applied anew.
     const bool noch = m_spaltenansicht->findText(QText(gezeigt)) >= 0;
     const std::string ansicht = noch ? gezeigt : std::string(AnsichtAlles);
@@ -313,6 +327,62 @@ void FormDatenbank::AnsichtenNeuLesen() {
 }
 
 // --- column widths -------------------------------------------------------------------------------
+
+void FormDatenbank::BreitenSetzen(
+    const std::function<int(const KatasterSpalte&, int abschnitt)>& breite) {
+    if (m_beschaeftigt)
+        return;
+    for (int abschnitt = 0; abschnitt < m_modell->columnCount(); ++abschnitt)
+        if (const auto spalte = m_modell->Spalte(abschnitt))
+            m_kataster.Spalte(*spalte).breite = breite(m_kataster.Spalte(*spalte), abschnitt);
+    BreitenAnwenden();
+    SpaltenbreitenSichern();
+}
+
+void FormDatenbank::SpaltenbreitenAnpassen() {
+    const QFontMetrics kopfSchrift = m_tabelle->horizontalHeader()->fontMetrics();
+    const QFontMetrics zellSchrift = m_tabelle->fontMetrics();
+    // Room beside the text: the header's sort mark, the cell's margins.
+    const int rand = m_tabelle->style()->pixelMetric(QStyle::PM_HeaderMarkSize) +
+                     2 * m_tabelle->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + Textrand;
+    BreitenSetzen([&](const KatasterSpalte& spalte, int abschnitt) {
+        if (spalte.kontrollkästchen)
+            return spalte.breite;
+        // Only the longest texts are measured: measuring every cell of half a million rows would
+        // keep the user waiting for pixels, and the widest text is among the longest.
+        const std::size_t index = *m_modell->Spalte(abschnitt);
+        using Länge = std::pair<std::size_t, std::size_t>; // bytes, row
+        std::priority_queue<Länge, std::vector<Länge>, std::greater<>> längste;
+        for (std::size_t z = 0; z < m_kataster.Zeilenzahl(); ++z) {
+            längste.emplace(m_kataster.Zelle(z, index).size(), z);
+            if (längste.size() > GemesseneTexte)
+                längste.pop();
+        }
+        int pixel = kopfSchrift.horizontalAdvance(
+            m_modell->headerData(abschnitt, Qt::Horizontal).toString());
+        for (; !längste.empty(); längste.pop())
+            pixel = std::max(pixel, zellSchrift.horizontalAdvance(
+                                        m_modell->index(static_cast<int>(längste.top().second),
+                                                        abschnitt)
+                                            .data()
+                                            .toString()));
+        return PixelZuTwips(pixel + rand, PixelJeTwip());
+    });
+}
+
+void FormDatenbank::SpaltenMinimieren() {
+    if (const auto flurstück = m_kataster.SpaltenIndex("Flurstück"))
+        m_kataster.Spalte(*flurstück).schattiert = true;
+    const QFontMetrics kopfSchrift = m_tabelle->horizontalHeader()->fontMetrics();
+    const int kästchen = m_tabelle->style()->pixelMetric(QStyle::PM_IndicatorWidth);
+    BreitenSetzen([&](const KatasterSpalte& spalte, int abschnitt) {
+        const int text = kopfSchrift.horizontalAdvance(
+            m_modell->headerData(abschnitt, Qt::Horizontal).toString());
+        return PixelZuTwips(std::max(text, spalte.kontrollkästchen ? kästchen : 0) + Textrand,
+                            PixelJeTwip());
+    });
+    m_modell->ZellenGeändert();
+}
 
 std::string FormDatenbank::Spaltenbreiten() const { return SpaltenbreitenText(m_kataster); }
 

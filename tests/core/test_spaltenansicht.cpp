@@ -1,5 +1,6 @@
 #include "core/spaltenansicht.hpp"
 
+#include "core/cp1252.hpp"
 #include "core/katalog.hpp"
 #include "core/kataster.hpp"
 #include "core/oberflaeche_skript.hpp"
@@ -93,7 +94,7 @@ TEST(Spaltenformat, KatalogspalteJeSchlüssel) {
         {"Gemeindeschlüssel", "GD-ID", 1000, true, false, false},
         {"Flurstück", "Flurstück", 1200, true, false, true},
         {"NrStp", "NrStp", 600, false, false, false},
-        {"checkdruck", "✓", 600, true, true, false},
+        {"checkdruck", "×", 600, true, true, false},
         {"UmringFlurstück", "UmringFlurstück", 1000, true, false, false}, // not in the catalogue
     };
     for (const Fall& fall : fälle) {
@@ -106,6 +107,9 @@ TEST(Spaltenformat, KatalogspalteJeSchlüssel) {
         EXPECT_EQ(spalte.zentriert, fall.kontrollkästchen) << fall.schlüssel;
         EXPECT_EQ(spalte.schattiert, fall.schattiert) << fall.schlüssel;
     }
+    // The text exports write captions in Windows-1252: every caption must come through whole.
+    for (const KatalogSpalte& k : Katalog())
+        EXPECT_EQ(Cp1252NachUtf8(Utf8NachCp1252(k.überschrift)), k.überschrift) << k.schlüssel;
 }
 
 TEST(Spaltenformat, FlurstückWirdZurZahlUndBleibtBeimZweitenMal) {

@@ -155,6 +155,42 @@ TEST(CmdFlurixSuchbegriff, TrefferAuswahlStatusUndMeldung) {
     }
 }
 
+// The three forms of a parcel number: NAS pads Zähler and Nenner to 5 and 4 digits, WLDGE to 5
+// and 3, Web-XML not at all. The padded term finds the first; the term as typed the others.
+TEST(CmdFlurixSuchbegriff, AufgefülltDannWieEingegebenInAllenDreiFormen) {
+    const auto tabelle = [] {
+        return TabelleAus("Nr\tFlurstück", {"1\t00012/0003", "2\t00045/006", "3\t78/9", "4\t78"});
+    };
+    struct Fall {
+        std::string_view begriff;
+        bool alleEigentümer;
+        std::vector<std::string> treffer;
+        std::string hinweis; ///< "" when the padded form found the rows, or nothing did
+    };
+    const Fall fälle[] = {
+        {"12/3", false, {"1"}, ""},
+        {"00012/0003", false, {"1"}, ""},
+        {"45/6", false, {}, ""},
+        {"00045/006", false, {"2"}, "Kein Treffer für „00045/0006“, gesucht wie eingegeben: 00045/006"},
+        {" 78/9 ", false, {"3"}, "Kein Treffer für „00078/0009“, gesucht wie eingegeben: 78/9"},
+        {"78", false, {"4"}, "Kein Treffer für „00078/0000“, gesucht wie eingegeben: 78"},
+        {"78", true, {"3", "4"}, "Kein Treffer für „00078/0000*“, gesucht wie eingegeben: 78*"},
+    };
+    for (const auto& f : fälle) {
+        SCOPED_TRACE(f.begriff);
+        Kataster k = tabelle();
+        SkriptOberfläche ui;
+        std::string hinweis = "alt";
+        EXPECT_EQ(CmdFlurixSuchbegriff(k, "Flurstück", f.begriff, std::nullopt, f.alleEigentümer,
+                                       nullptr, ui, &hinweis),
+                  f.treffer.size());
+        EXPECT_EQ(GewählteNummern(k), f.treffer);
+        EXPECT_EQ(hinweis, f.hinweis);
+        EXPECT_EQ(ui.LetzterStatus(2), f.hinweis);
+        EXPECT_EQ(ui.Meldungen().size(), f.treffer.empty() ? 1U : 0U);
+    }
+}
+
 TEST(CmdFlurixSuchbegriff, SortiertNachGemarkungsschlüsselUndEigentümerposition) {
     Kataster k = Suchtabelle();
     SkriptOberfläche ui;

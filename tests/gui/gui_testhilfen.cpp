@@ -1,5 +1,6 @@
 #include "gui_testhilfen.hpp"
 
+#include "core/cp1252.hpp"
 #include "gui/qt_text.hpp"
 
 #include <QAbstractButton>
@@ -86,9 +87,26 @@ void Warten(const std::function<bool()>& fertig) {
     }
 }
 
-Hauptfenster::Hauptfenster() {
-    zustand.arbeitsverzeichnis = ordner / "arbeit";
-    std::filesystem::create_directories(zustand.arbeitsverzeichnis);
+namespace {
+
+// The installation of a Hauptfenster and the start-up over it, before the window is made.
+Ergebnis Starten(const TempOrdner& ordner, Programmzustand& zustand, Zahlenformat& format,
+                 Oberfläche& ui, std::string_view ansichten) {
+    const auto konfig = zustand.installation.Konfig();
+    DateiSchreiben(konfig / "Flurix.dat",
+                   "tempArbeitsverzeichnis =" + (ordner / "arbeit").string() + "\r\n");
+    DateiSchreiben(konfig / "WebService.fil", "");
+    if (!ansichten.empty())
+        DateiSchreiben(zustand.installation.Spaltenansichten(), Utf8NachCp1252(ansichten));
+    Ergebnis start = Programmstart(zustand, "", format, ui);
+    EXPECT_TRUE(start) << start.Meldung();
+    return start;
+}
+
+} // namespace
+
+Hauptfenster::Hauptfenster(std::string_view ansichten)
+    : start(Starten(ordner, zustand, format, ui, ansichten)) {
     fenster.ProgrammEndeSetzen([this](int code) { exitcode = code; });
     fenster.BenutzerordnerSetzen(ordner / "benutzer");
     fenster.DateiÖffnerSetzen([this](const QUrl& adresse) {

@@ -69,8 +69,10 @@ private:
 /// Runs the event loop until `fertig` holds or two seconds have passed.
 void Warten(const std::function<bool()>& fertig);
 
-/// A main window over an installation in a scratch folder; its per-user settings lie there too,
-/// and the files it would open in the system's programs are recorded instead.
+/// A main window over an installation in a scratch folder, made as the program makes it: the
+/// start-up runs first (working directory "arbeit" in the folder, the views file `ansichten` in
+/// Windows-1252 when given), then the window. Its per-user settings lie in the folder too, and the
+/// files it would open in the system's programs are recorded instead.
 struct Hauptfenster {
     using FormDatenbank = gui::FormDatenbank;
     using QtOberfläche = gui::QtOberfläche;
@@ -79,11 +81,13 @@ struct Hauptfenster {
     Programmzustand zustand{Installation{ordner.pfad()}};
     ProzessZahlenformat format;
     QtOberfläche ui;
+    Ergebnis start; ///< of the start-up
     std::optional<int> exitcode;
     std::vector<QUrl> geöffnet;
     FormDatenbank fenster{zustand, format, ui};
 
-    Hauptfenster();
+    /// `ansichten` in UTF-8.
+    explicit Hauptfenster(std::string_view ansichten = {});
 };
 
 /// The text of status panel `nummer` of the window.

@@ -54,16 +54,13 @@ constexpr std::string_view Ansichten =
     "AL-amtl.Lageplan=checkdruck;ID_GG;Gemarkung;Flur;Flurstück;Name\r\n"
     "Eigentümer=Name;Straße;Ort\r\n";
 
-/// A main window with the views file, the view "Kataster ALKIS" chosen, and a made-up table of
-/// `zeilen` rows loaded from a saved-table file.
+/// A main window started with the views file, so the view "Kataster ALKIS" of the settings'
+/// default is chosen, and a made-up table of `zeilen` rows loaded from a saved-table file.
 struct Tabellenfenster : test::Hauptfenster {
     std::filesystem::path datei = ordner / "tabelle.fil";
     Ergebnis geladen;
 
-    explicit Tabellenfenster(std::size_t zeilen = 120) {
-        test::DateiSchreiben(zustand.installation.Spaltenansichten(), Utf8NachCp1252(Ansichten));
-        fenster.AnsichtenNeuLesen();
-        Element<QComboBox>("ComboSpaltenansicht")->setCurrentText(QStringLiteral("Kataster ALKIS"));
+    explicit Tabellenfenster(std::size_t zeilen = 120) : test::Hauptfenster(Ansichten) {
         Kataster vorlage;
         test::TesttabelleErzeugen(vorlage, zeilen);
         KatasterSpeichern(vorlage, datei);
@@ -151,7 +148,7 @@ TEST_F(Fenster, GespeicherteTabelleErscheintInDerGewähltenAnsicht) {
     ASSERT_TRUE(t.geladen) << t.geladen.Meldung();
     EXPECT_EQ(t.M().rowCount(), 120);
     ASSERT_EQ(t.M().columnCount(), 7);
-    EXPECT_EQ(t.M().headerData(0, Qt::Horizontal).toString(), QStringLiteral("✓"));
+    EXPECT_EQ(t.M().headerData(0, Qt::Horizontal).toString(), QStringLiteral("×"));
     EXPECT_EQ(t.M().headerData(1, Qt::Horizontal).toString(), QStringLiteral("Gemarkung"));
     EXPECT_TRUE(t.M().index(0, 0).data(Qt::CheckStateRole).isValid()) << "checkdruck is a box";
     EXPECT_EQ(Panel(t.fenster, 1), QStringLiteral("120 Zeilen eingelesen  "));
@@ -533,10 +530,13 @@ TEST_F(Fenster, ZahlenformatZeigtZahlenOhneNullen) {
 
 TEST_F(Fenster, AnsichtsboxWendetDieAnsichtAnUndAllesStelltDieReihenfolgeHer) {
     Tabellenfenster t;
+    // As the start-up leaves it: "alles", built in, before the views of the file; the view of
+    // the settings (here their default) chosen.
     QComboBox* box = t.Element<QComboBox>("ComboSpaltenansicht");
     EXPECT_EQ(Einträge(*box),
               (QStringList{QStringLiteral("alles"), QStringLiteral("Kataster ALKIS"),
                            QStringLiteral("AL-amtl.Lageplan"), QStringLiteral("Eigentümer")}));
+    EXPECT_EQ(box->currentText(), QStringLiteral("Kataster ALKIS"));
     box->setCurrentText(QStringLiteral("Eigentümer"));
     ASSERT_EQ(t.M().columnCount(), 3);
     EXPECT_EQ(t.M().headerData(2, Qt::Horizontal).toString(), QStringLiteral("Ort"));
@@ -574,6 +574,46 @@ TEST_F(Fenster, SpaltenbreitenWerdenBeimBeendenGesichertUndBeimStartGelesen) {
                   .breite,
               twips);
     EXPECT_NEAR(zweites.fenster.Grid()->columnWidth(gemarkung), 211, 1);
+}
+
+// "Spalten minimieren" narrows every shown column to its caption and shades Flurstück; "Spalten-
+// breiten anpassen" widens each to its widest text again. Both keep the widths for the next run.
+TEST_F(Fenster, SpaltenMinimierenUndBreitenAnpassen) {
+    Tabellenfenster t;
+    t.K().Spalte(*t.K().SpaltenIndex("Flurstück")).schattiert = false;
+    const QFontMetrics zellen = t.Grid().fontMetrics();
+    const QFontMetrics köpfe = t.Grid().horizontalHeader()->fontMetrics();
+    const auto breiteste = [&](int abschnitt) {
+        int breite = köpfe.horizontalAdvance(t.M().headerData(abschnitt, Qt::Horizontal).toString());
+        for (int z = 0; z < t.M().rowCount(); ++z)
+            breite = std::max(breite, zellen.horizontalAdvance(t.M().index(z, abschnitt).data().toString()));
+        return breite;
+    };
+    const int name = t.Abschnitt("Name");
+    const int flurstück = t.Abschnitt("Flurstück");
+
+    t.Auslösen("ALBDatenSpalteMin");
+    EXPECT_TRUE(t.M().index(0, flurstück).data(Qt::BackgroundRole).isValid()) << "shaded";
+    for (int a = 0; a < t.M().columnCount(); ++a)
+        EXPECT_GE(t.Grid().columnWidth(a),
+                  köpfe.horizontalAdvance(t.M().headerData(a, Qt::Horizontal).toString()))
+            << "the caption stays readable: " << a;
+    EXPECT_LT(t.Grid().columnWidth(name), breiteste(name)) << "names are cut";
+    const auto ini = t.ordner / "benutzer" / "MyApplication.ini";
+    const auto gespeichert = [&](int abschnitt) {
+        const KatasterSpalte& spalte = t.K().Spalte(*t.M().Spalte(abschnitt));
+        return test::DateiLesen(ini).find(spalte.schlüssel + ":" + std::to_string(spalte.breite)) !=
+               std::string::npos;
+    };
+    EXPECT_TRUE(gespeichert(name));
+
+    t.Auslösen("ALBbtnDbSpaltenbreite");
+    for (int a = 0; a < t.M().columnCount(); ++a) {
+        if (a != t.Abschnitt("checkdruck")) {
+            EXPECT_GE(t.Grid().columnWidth(a), breiteste(a)) << "shown whole: " << a;
+        }
+    }
+    EXPECT_TRUE(gespeichert(name));
 }
 
 TEST_F(Fenster, SpaltenManuellWählen) {

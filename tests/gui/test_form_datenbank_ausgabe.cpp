@@ -2,11 +2,13 @@
 // the window (complete and quick), "Speichern unter", the HTML report and the register extract.
 
 #include "core/kataster.hpp"
+#include "core/oberflaeche_skript.hpp"
 #include "core/cp1252.hpp"
 #include "export/speichern_unter.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
 #include "gui/kataster_modell.hpp"
 #include "gui/qt_text.hpp"
+#include "import/tabelle_laden.hpp"
 #include "gui_testhilfen.hpp"
 #include "report/registerauszug.hpp"
 
@@ -18,6 +20,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <optional>
+#include <set>
+#include <sstream>
 #include <string>
 
 namespace flurix::gui {
@@ -30,16 +36,39 @@ using test::Dialoghelfer;
 const std::filesystem::path Musterkreis =
     std::filesystem::path(FLURIX_QUELLEN) / "samples" / "musterkreis_format32.wldge";
 
-/// A main window that has loaded a copy of the sample (the load may convert line ends in place)
-/// with the options dialog answered: the complete reader or the quick one, one row per owner.
+/// The sample with its parcels repeated `kopien` times, the copies spread over Flur 1 to 3: a
+/// district of many rows with the key blocks of the sample.
+std::string MusterkreisVervielfacht(int kopien) {
+    std::string vorn, flurstücke, hinten;
+    std::istringstream muster(test::DateiLesen(Musterkreis));
+    for (std::string zeile; std::getline(muster, zeile);) // CR stays at the line's end
+        (zeile.starts_with('3') ? flurstücke : flurstücke.empty() ? vorn : hinten) += zeile + '\n';
+    std::string text = vorn;
+    for (int k = 0; k < kopien; ++k) {
+        std::istringstream block(flurstücke);
+        for (std::string zeile; std::getline(block, zeile);) {
+            // The key's Flur (columns 9 to 11) and Zähler (13 to 17), unique per copy.
+            char schlüssel[24];
+            std::snprintf(schlüssel, sizeof schlüssel, "%03d-%05d", 1 + k % 3,
+                          k * 10 + std::stoi(zeile.substr(12, 5)) % 10);
+            text += zeile.replace(8, 9, schlüssel) + '\n';
+        }
+    }
+    return text + hinten;
+}
+
+/// A main window that has loaded a copy of `quelle` (the load may convert line ends in place)
+/// with the options dialog answered: the complete reader or the quick one, one row per owner, and
+/// "Flurstückssuche vereinfachen" as `vereinfachen` says.
 struct WldgeFenster : test::Hauptfenster {
     Ergebnis geladen;
     bool dialogGesehen = false;
     std::vector<test::Box> boxen; ///< what the load showed
 
-    explicit WldgeFenster(bool komplett) {
+    explicit WldgeFenster(bool komplett, bool vereinfachen = false,
+                          const std::string& quelle = test::DateiLesen(Musterkreis)) {
         const std::filesystem::path kopie = ordner / "musterkreis.wldge";
-        std::filesystem::copy_file(Musterkreis, kopie);
+        test::DateiSchreiben(kopie, quelle);
         // The load must start the grid locked: unlock it first, so that the lock is seen.
         Element<QAction>("btnEntsperren")->setChecked(true);
         // The boxes of the load get their default buttons (the notes on the file have OK only).
@@ -51,6 +80,8 @@ struct WldgeFenster : test::Hauptfenster {
             if (!komplett)
                 dialog.findChild<QRadioButton*>(QStringLiteral("EigentümerJeFlurstück_0"))
                     ->setChecked(true);
+            dialog.findChild<QAbstractButton*>(QStringLiteral("chkFlurixSuchbegriffGemarkung"))
+                ->setChecked(vereinfachen);
             dialog.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
         });
         import::Ladeauftrag auftrag;
@@ -95,7 +126,92 @@ TEST_F(FensterAusgabe, WldgeSchnellEineZeileJeEigentümer) {
     EXPECT_EQ(t.fenster.Tabelle().Zeilenzahl(), 7U);
     EXPECT_EQ(t.fenster.Modell().rowCount(), 7);
     EXPECT_FALSE(t.Element<QAction>("btnEntsperren")->isChecked());
-    EXPECT_GT(t.Element<QComboBox>("FlurixSuchbegriffGemarkung")->count(), 1);
+}
+
+// The complete reader fills the Gemarkung and Flur box whatever the size of the table, the quick
+// reader when "Flurstückssuche vereinfachen" asks for it, from the columns: the limit of 5000 rows
+// and the parcel keys of the option belong to loading a saved table only.
+TEST_F(FensterAusgabe, LeserFüllenDieGemarkungsbox) {
+    struct Fall {
+        const char* name;
+        bool komplett, vereinfachen;
+        int kopien; ///< of the sample's parcels; 0 for the sample itself
+        bool gefüllt;
+    };
+    const Fall fälle[] = {
+        {"komplett, über 5000 Zeilen", true, false, 834, true},
+        {"schnell, Flurstückssuche vereinfachen", false, true, 0, true},
+        {"schnell, über 5000 Zeilen, vereinfachen", false, true, 1300, true},
+        {"schnell, ohne vereinfachen", false, false, 0, false},
+    };
+    for (const Fall& f : fälle) {
+        SCOPED_TRACE(f.name);
+        WldgeFenster t(f.komplett, f.vereinfachen,
+                       f.kopien > 0 ? MusterkreisVervielfacht(f.kopien)
+                                    : test::DateiLesen(Musterkreis));
+        ASSERT_TRUE(t.geladen) << t.geladen.Meldung();
+        const Kataster& k = t.fenster.Tabelle();
+        if (f.kopien > 0) {
+            ASSERT_GT(k.Zeilenzahl(), import::GemFlurBoxGrenze);
+        }
+        std::set<QString> paare;
+        for (std::size_t z = 0; f.gefüllt && z < k.Zeilenzahl(); ++z)
+            paare.insert(QText(std::string(k.Zelle(z, "Gemarkung")) + ", " +
+                               std::string(k.Zelle(z, "Flur"))));
+        const auto* box = t.Element<QComboBox>("FlurixSuchbegriffGemarkung");
+        std::set<QString> einträge;
+        for (int i = 1; i < box->count(); ++i)
+            einträge.insert(box->itemText(i));
+        EXPECT_EQ(einträge, paare);
+        EXPECT_EQ(box->count(), static_cast<int>(paare.size()) + 1);
+        EXPECT_EQ(box->isEnabled(), f.gefüllt);
+    }
+}
+
+// A Web-XML file chosen in the dialog asks first whether the table is to be replaced; a No leaves
+// it as it is.
+TEST_F(FensterAusgabe, WebXmlFragtObErsetztWird) {
+    const std::string ersetzen = "Soll die vorhandene Datenbank überschrieben werden?   ";
+    struct Fall {
+        std::vector<QMessageBox::StandardButton> antworten;
+        std::vector<std::string> fragen;
+        bool geladen;
+        std::size_t wldgeZeilen; ///< of the six rows of the complete load that stay
+    };
+    const Fall fälle[] = {
+        {{QMessageBox::Yes}, {ersetzen}, true, 0},
+        {{QMessageBox::No}, {ersetzen}, false, 6},
+    };
+    std::optional<std::size_t> xmlZeilen;
+    for (const Fall& f : fälle) {
+        SCOPED_TRACE(f.antworten.size());
+        WldgeFenster t(true);
+        ASSERT_EQ(t.fenster.Tabelle().Zeilenzahl(), 6U);
+        const auto datei = t.ordner / "auszug.xml";
+        std::filesystem::copy_file(std::filesystem::path(FLURIX_QUELLEN) / "samples" /
+                                       "musterstadt_webxml_auszug.xml",
+                                   datei);
+        Beantworter antworten(f.antworten);
+        Dialoghelfer<FormDatenbankDarstellung> optionen([](FormDatenbankDarstellung& dialog) {
+            dialog.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
+        });
+        import::Ladeauftrag auftrag;
+        auftrag.dateien = {datei};
+        auftrag.art = import::Eingabeart::WebXml;
+        EXPECT_EQ(static_cast<bool>(t.fenster.Laden(auftrag)), f.geladen);
+        std::vector<std::string> fragen;
+        for (const test::Box& box : antworten.boxen)
+            fragen.push_back(Utf8(box.text));
+        ASSERT_EQ(fragen, f.fragen);
+        EXPECT_EQ(antworten.boxen.front().titel, QStringLiteral("Flurix"));
+        EXPECT_EQ(antworten.boxen.front().vorgabe, QMessageBox::Yes);
+        const std::size_t zeilen = t.fenster.Tabelle().Zeilenzahl();
+        if (!xmlZeilen)
+            xmlZeilen = zeilen; // the first case replaces: the extract's rows alone
+        ASSERT_GT(*xmlZeilen, 0U);
+        EXPECT_EQ(zeilen, f.wldgeZeilen + (f.geladen ? *xmlZeilen : 0));
+        EXPECT_EQ(t.fenster.Modell().rowCount(), static_cast<int>(zeilen));
+    }
 }
 
 TEST_F(FensterAusgabe, ZweiterLadevorgangErsetztDieTabelle) {
@@ -158,6 +274,30 @@ TEST_F(FensterAusgabe, SpeichernUnterExcelTabSchreibtDieÜberschriften) {
     EXPECT_EQ(zeilen, 7U) << inhalt;
 }
 
+// While an export reads the table, status panel 2 shows how far, a step for each of the six rows.
+TEST_F(FensterAusgabe, ExportZeigtDenFortschrittDesAuslesens) {
+    WldgeFenster t(true);
+    ASSERT_TRUE(t.geladen);
+    ausgabe::Speicherumgebung umgebung;
+    umgebung.arbeitsverzeichnis = t.zustand.arbeitsverzeichnis;
+    const std::pair<int, std::string_view> fälle[] = { // format (0: the HTML report), text
+        {2, "% ausgelesen  "}, {5, "% ausgelesen  "}, {7, "% exportiert  "}, {0, "% ausgelesen  "}};
+    for (const auto& [format, text] : fälle) {
+        SCOPED_TRACE(format);
+        SkriptOberfläche ui;
+        const auto ziel = t.ordner / ("fortschritt" + std::to_string(format));
+        ASSERT_TRUE(format > 0 ? ausgabe::ALBDatenSpeichernUnter(
+                                     t.fenster.Tabelle(), static_cast<ausgabe::Speicherformat>(format),
+                                     ziel, umgebung, ui)
+                               : ausgabe::CreateGridReport(t.fenster.Tabelle(), ziel, ui));
+        std::vector<std::string> schritte;
+        for (const Ereignis& e : ui.Ereignisse())
+            if (e.art == Ereignis::Art::Status && e.panel == 2 && e.text.ends_with(text))
+                schritte.push_back(e.text.substr(0, e.text.size() - text.size()));
+        EXPECT_EQ(schritte, (std::vector<std::string>{"16", "33", "50", "66", "83", "100"}));
+    }
+}
+
 TEST_F(FensterAusgabe, UnbekannterFilterSpeichertNichts) {
     WldgeFenster t(true);
     ASSERT_TRUE(t.geladen);
@@ -183,7 +323,7 @@ TEST_F(FensterAusgabe, AuszugDerAktuellenZeileAlsPdfImArbeitsverzeichnis) {
     t.fenster.Grid()->setCurrentIndex(t.fenster.Modell().index(2, 1));
     const std::filesystem::path pdf = t.fenster.AuszugErstellen();
     ASSERT_FALSE(pdf.empty());
-    EXPECT_EQ(pdf.parent_path(), t.zustand.arbeitsverzeichnis);
+    EXPECT_EQ(pdf.parent_path(), t.ordner / "arbeit");
     EXPECT_EQ(pdf.filename().string(), report::AuszugDateiname(t.fenster.Tabelle(), 2));
     ASSERT_TRUE(std::filesystem::exists(pdf));
     EXPECT_EQ(test::DateiLesen(pdf).substr(0, 8), "%PDF-1.1");

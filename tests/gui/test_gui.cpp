@@ -14,9 +14,9 @@
 #include "gui_testhilfen.hpp"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -25,6 +25,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTableView>
 #include <QTimer>
@@ -55,6 +56,48 @@ TEST_F(GuiTest, FensterTitelNenntVersionUndRevision) {
                                            .arg(FLURIX_VERSION_MAJOR)
                                            .arg(FLURIX_VERSION_MINOR)
                                            .arg(FLURIX_VERSION_REVISION));
+}
+
+TEST_F(GuiTest, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen) {
+    Hauptfenster h;
+    {
+        Beantworter ok;
+        EXPECT_TRUE(h.fenster.Hilfe().empty());
+        ASSERT_EQ(ok.boxen.size(), 1U) << "no README.md: the user is told";
+        EXPECT_TRUE(ok.boxen[0].text.contains(QStringLiteral("README.md")));
+        EXPECT_TRUE(h.geöffnet.empty());
+    }
+    test::DateiSchreiben(h.ordner / "README.md", "# Flurix\n\nDie **Suche** füllt auf.\n");
+    h.fenster.findChild<QAction*>(QStringLiteral("btnHilfe"))->trigger();
+    ASSERT_EQ(h.geöffnet.size(), 1U);
+    const std::filesystem::path seite = PfadAus(h.geöffnet[0].toLocalFile());
+    EXPECT_EQ(seite.extension(), ".html") << "a page for the browser, not the Markdown";
+    const std::string html = test::DateiLesen(seite);
+    EXPECT_NE(html.find("Suche"), std::string::npos);
+    EXPECT_NE(html.find("füllt"), std::string::npos) << "UTF-8 kept";
+    EXPECT_EQ(html.find("**"), std::string::npos) << "the Markdown is rendered";
+
+    Beantworter ok;
+    h.fenster.findChild<QAction*>(QStringLiteral("btnInfo"))->trigger();
+    ASSERT_EQ(ok.boxen.size(), 1U);
+    const QString info = ok.boxen[0].text;
+    EXPECT_TRUE(info.contains(h.fenster.windowTitle()));
+    // The revision the sources had when they were built: a commit of their repository.
+    const QRegularExpressionMatch revision =
+        QRegularExpression(QStringLiteral("Git-Revision: ([^\\s-]+)")).match(info);
+    ASSERT_TRUE(revision.hasMatch()) << Utf8(info);
+    const std::string git = "git -C " + test::Wort(FLURIX_QUELLEN) + " ";
+    if (test::Ausführen(git + "rev-parse 2>/dev/null").status == 0) {
+        EXPECT_EQ(test::Ausführen(git + "cat-file -e " + Utf8(revision.captured(1)) + "^{commit}")
+                      .status,
+                  0)
+            << Utf8(info);
+    }
+    for (const char* bibliothekUndLizenz :
+         {"Qt .*: LGPL-3.0", "SQLite .*: .*public domain", "pugixml .*: MIT",
+          "libzip .*: BSD-3-Clause", "libxlsxwriter .*: BSD-2-Clause"})
+        EXPECT_TRUE(info.contains(QRegularExpression(QString::fromUtf8(bibliothekUndLizenz))))
+            << bibliothekUndLizenz;
 }
 
 TEST_F(GuiTest, StatusleisteHatSechsPanelsUndDasErsteZeigtStatus) {
@@ -238,21 +281,6 @@ TEST_F(GuiTest, GewählterFilterGibtDieEingabeart) {
     for (const auto& [gewählt, art] : fälle)
         EXPECT_EQ(FilterNummer(filter, gewählt), static_cast<int>(art)) << Utf8(gewählt);
     EXPECT_EQ(FilterNummer(filter, QStringLiteral("Alle Dateien (*)")), 0);
-}
-
-TEST_F(GuiTest, SpaltenansichtZeigtDieGewünschteAnsicht) {
-    TempOrdner ordner;
-    Programmzustand zustand{Installation{ordner.pfad()}};
-    zustand.spaltenansichten = {"Kataster ALKIS", "AL-amtl.Lageplan", "Eigentümer"};
-    zustand.gewünschteAnsicht = "Eigentümer";
-    ProzessZahlenformat format;
-    QtOberfläche ui;
-    FormDatenbank fenster(zustand, format, ui);
-    auto* box = fenster.findChild<QComboBox*>(QStringLiteral("ComboSpaltenansicht"));
-    ASSERT_NE(box, nullptr);
-    ASSERT_EQ(box->count(), 3);
-    EXPECT_EQ(box->itemText(1), QStringLiteral("AL-amtl.Lageplan"));
-    EXPECT_EQ(box->currentText(), QStringLiteral("Eigentümer"));
 }
 
 // --- the import options dialog ---
@@ -450,7 +478,8 @@ TEST_F(GuiTest, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     Hauptfenster h;
     const auto quellen = std::filesystem::path(FLURIX_QUELLEN);
     std::filesystem::copy(quellen / "config", h.ordner / "config",
-                          std::filesystem::copy_options::recursive);
+                          std::filesystem::copy_options::recursive |
+                              std::filesystem::copy_options::overwrite_existing);
     const auto datei = h.ordner / "muster.xml";
     std::filesystem::copy_file(quellen / "samples" / "musterstadt_nas.xml", datei);
     h.fenster.show();
