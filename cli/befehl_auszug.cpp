@@ -97,12 +97,10 @@ int BefehlAuszug(const std::vector<std::string>& argumente, std::ostream& aus, s
         return 1;
     Kataster kataster;
     std::optional<std::size_t> zeile;
-    try {
+    sitzung.Versuchen([&] {
         KatasterLaden(kataster, args->positionen.front());
         zeile = AuszugsZeile(kataster, *args, fehler);
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
-    }
+    });
     if (!zeile)
         return sitzung.Beenden(1);
 

@@ -65,7 +65,7 @@ int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, s
         return sitzung.Beenden(1);
     }
 
-    const Ergebnis ergebnis = TabelleSchreiben(kataster, *format, *out, sitzung, fehler);
+    const Ergebnis ergebnis = TabelleSchreiben(kataster, *format, *out, sitzung);
     if (ergebnis)
         aus << *out << '\n';
     return sitzung.Beenden(Exitcode(ergebnis));

@@ -33,12 +33,8 @@ int BefehlMarkieren(const std::vector<std::string>& argumente, std::ostream&, st
     // The message of a failed list has been written; the marks set up to there are kept, as in
     // the main window, so the table is written all the same.
     const Listenergebnis ergebnis = DbMarkierungLaden(kataster, *liste, sitzung.ui);
-    try {
-        KatasterSpeichern(kataster, *out);
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
+    if (!sitzung.TabelleSpeichern(kataster, *out))
         return sitzung.Beenden(1);
-    }
     return sitzung.Beenden(Exitcode(ergebnis.ergebnis));
 }
 

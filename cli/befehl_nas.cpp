@@ -1,7 +1,7 @@
 #include "cli/befehle.hpp"
 
 #include "cli/argumente.hpp"
-#include "cli/nas_lauf.hpp"
+#include "nas/nas_auftrag.hpp"
 #include "cli/sitzung.hpp"
 #include "cli/tabelle_schreiben.hpp"
 #include "core/datenbank.hpp"
@@ -28,14 +28,13 @@ int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, bool behalt
     if (!nas::NasEinlesenOderÖffnen(auftrag, protokoll, sitzung.ui, stand))
         return sitzung.Beenden(1);
     fehler << stand.antrag.AntragsText() << '\n' << stand.antrag.SystemText() << '\n';
-    try {
+    const bool gezählt = sitzung.Versuchen([&] {
         auto db = nas::DAO_DatenbankÖffnen(auftrag.datenbank);
         for (const auto& tabelle : stand.tabellen)
             aus << tabelle << '\t' << nas::DAO_Zeilenzahl(*db, tabelle) << '\n';
-    } catch (const Fehler& e) {
-        fehler << e.what() << '\n';
+    });
+    if (!gezählt)
         return sitzung.Beenden(1);
-    }
     if (behalten)
         fehler << "Datenbank: " << auftrag.datenbank.string() << '\n';
     return sitzung.Beenden(0);
@@ -73,9 +72,10 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
         return 1;
     const auto db = args->Wert("--db");
     // Without --db the work database goes with the end of the run.
-    nas::NasDirektAuftrag auftrag =
-        NasAuftragFür(sitzung, args->positionen.front(),
-                      db ? std::optional<std::filesystem::path>(*db) : std::nullopt);
+    nas::NasDirektAuftrag auftrag = nas::NasAuftragFür(
+        sitzung.zustand, args->positionen.front(),
+        db ? std::optional<std::filesystem::path>(*db) : std::nullopt, sitzung.zustand.gewünschteAnsicht,
+        false);
     auftrag.optionen = nas::NasOptionen::AusText(args->Wert("--optionen").value_or(""));
     if (args->Hat("--ohne-protokoll"))
         auftrag.optionen.protokollNichtSchreiben = true;
@@ -98,7 +98,7 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
                << " Zeile(n) von ALKIS_Zuordnung.dat fehlgeschlagen (siehe Protokoll)\n";
     if (!importiert)
         return sitzung.Beenden(1);
-    const Ergebnis geschrieben = TabelleSchreiben(kataster, *format, *out, sitzung, fehler);
+    const Ergebnis geschrieben = TabelleSchreiben(kataster, *format, *out, sitzung);
     if (!geschrieben)
         return sitzung.Beenden(1);
     aus << kataster.Zeilenzahl() << " Zeilen, " << bericht.zusammenstellung.reorganisation.flurstücke

@@ -72,7 +72,7 @@ int BefehlSuchen(const std::vector<std::string>& argumente, std::ostream& aus, s
     Sitzung sitzung(umgebung, fehler);
     if (!sitzung.Starten(""))
         return 1;
-    try {
+    const bool gesucht = sitzung.Versuchen([&] {
         Kataster kataster;
         KatasterLaden(kataster, args->positionen.front());
         std::string hinweis;
@@ -89,10 +89,9 @@ int BefehlSuchen(const std::vector<std::string>& argumente, std::ostream& aus, s
         } else {
             AlsTsvAusgeben(auswahl, aus);
         }
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
+    });
+    if (!gesucht)
         return sitzung.Beenden(1);
-    }
     return sitzung.Beenden(0);
 }
 

@@ -13,14 +13,22 @@ bool Sitzung::Starten(std::string_view kommandozeile) {
     return Programmstart(zustand, kommandozeile, format, ui).status() != Ergebnis::Status::Beenden;
 }
 
-bool Sitzung::TabelleLaden(Kataster& kataster, const std::filesystem::path& datei) {
+bool Sitzung::Versuchen(const std::function<void()>& arbeit) {
     try {
-        KatasterLaden(kataster, datei);
+        arbeit();
         return true;
     } catch (const Fehler& f) {
         ui.Meldung(f.what(), ProduktTitel, Stil::Fehler);
         return false;
     }
+}
+
+bool Sitzung::TabelleLaden(Kataster& kataster, const std::filesystem::path& datei) {
+    return Versuchen([&] { KatasterLaden(kataster, datei); });
+}
+
+bool Sitzung::TabelleSpeichern(const Kataster& kataster, const std::filesystem::path& datei) {
+    return Versuchen([&] { KatasterSpeichern(kataster, datei); });
 }
 
 int Sitzung::Beenden(int code) {

@@ -6,6 +6,7 @@
 #include "core/programm.hpp"
 
 #include <filesystem>
+#include <functional>
 
 namespace flurix {
 class Kataster;
@@ -21,9 +22,13 @@ public:
     /// The start-up of the program with this command line; false when the process must end
     /// (the message has been written).
     bool Starten(std::string_view kommandozeile);
+    /// Runs `arbeit`: a Fehler it throws is written as every message of the run; false then.
+    bool Versuchen(const std::function<void()>& arbeit);
     /// Loads a table file (.fil, .tsv) into `kataster`; false when it can't be read (the message
     /// has been written, `kataster` is left as it was).
     bool TabelleLaden(Kataster& kataster, const std::filesystem::path& datei);
+    /// Writes `kataster` as a table file by its extension; false when it can't be written.
+    bool TabelleSpeichern(const Kataster& kataster, const std::filesystem::path& datei);
     /// The end of the run, without a question; returns `code`.
     int Beenden(int code);
 

@@ -46,8 +46,7 @@ const Exportformat* FormatAusEndung(const std::filesystem::path& datei) {
 std::string_view FormatNamen() { return "txt-tab, txt-dollar, xlsx, xml, fil, sqlite, html, tsv, geograf"; }
 
 Ergebnis TabelleSchreiben(Kataster& kataster, const Exportformat& format,
-                          const std::filesystem::path& datei, Sitzung& sitzung,
-                          std::ostream& fehler) {
+                          const std::filesystem::path& datei, Sitzung& sitzung) {
     if (format.dialog) {
         const ausgabe::Speicherumgebung ort{sitzung.zustand.arbeitsverzeichnis,
                                             ausgabe::Zielname::WieAngegeben, {}};
@@ -55,13 +54,9 @@ Ergebnis TabelleSchreiben(Kataster& kataster, const Exportformat& format,
     }
     if (format.name == "html")
         return ausgabe::CreateGridReport(kataster, datei, sitzung.ui);
-    try {
-        KatasterSpeichern(kataster, datei);
-        return Ergebnis::Ok();
-    } catch (const Fehler& f) {
-        fehler << f.what() << '\n';
-        return Ergebnis::Fehlschlag(f.what());
-    }
+    if (!sitzung.TabelleSpeichern(kataster, datei))
+        return Ergebnis::Fehlschlag("Die Tabelle " + datei.string() + " wurde nicht geschrieben.");
+    return Ergebnis::Ok();
 }
 
 } // namespace flurix::cli

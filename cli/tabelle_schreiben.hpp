@@ -33,10 +33,8 @@ const Exportformat* FormatAusEndung(const std::filesystem::path& datei);
 /// The names of all formats, for messages: "txt-tab, txt-dollar, ...".
 std::string_view FormatNamen();
 
-/// Writes `kataster` to exactly `datei` in `format`; messages through the session's UI and
-/// `fehler`.
+/// Writes `kataster` to exactly `datei` in `format`; messages through the session's UI.
 Ergebnis TabelleSchreiben(Kataster& kataster, const Exportformat& format,
-                          const std::filesystem::path& datei, Sitzung& sitzung,
-                          std::ostream& fehler);
+                          const std::filesystem::path& datei, Sitzung& sitzung);
 
 } // namespace flurix::cli

@@ -12,24 +12,6 @@ constexpr std::array<char32_t, 32> Bereich80bis9F = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-void Anhängen(std::string& ziel, char32_t c) {
-    if (c < 0x80) {
-        ziel += static_cast<char>(c);
-    } else if (c < 0x800) {
-        ziel += static_cast<char>(0xC0 | (c >> 6));
-        ziel += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        ziel += static_cast<char>(0xE0 | (c >> 12));
-        ziel += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        ziel += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        ziel += static_cast<char>(0xF0 | (c >> 18));
-        ziel += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        ziel += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        ziel += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
 // Decodes one UTF-8 sequence at text[i]; returns its length, 0 when it is invalid.
 std::size_t Dekodieren(std::string_view text, std::size_t i, char32_t& c) {
     const auto b0 = static_cast<unsigned char>(text[i]);
@@ -71,6 +53,25 @@ char NachCp1252(char32_t c) {
 
 } // namespace
 
+void Utf8Anhängen(std::string& ziel, char32_t c) {
+    if (c < 0x80) {
+        ziel += static_cast<char>(c);
+    } else if (c < 0x800) {
+        ziel += static_cast<char>(0xC0 | (c >> 6));
+        ziel += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        ziel += static_cast<char>(0xE0 | (c >> 12));
+        ziel += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        ziel += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        ziel += static_cast<char>(0xF0 | (c >> 18));
+        ziel += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+        ziel += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        ziel += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+
 std::string Cp1252NachUtf8(std::string_view text) {
     std::string ergebnis;
     ergebnis.reserve(text.size() + text.size() / 8);
@@ -79,9 +80,9 @@ std::string Cp1252NachUtf8(std::string_view text) {
         if (b < 0x80)
             ergebnis += ch;
         else if (b < 0xA0)
-            Anhängen(ergebnis, Bereich80bis9F[b - 0x80]);
+            Utf8Anhängen(ergebnis, Bereich80bis9F[b - 0x80]);
         else
-            Anhängen(ergebnis, b);
+            Utf8Anhängen(ergebnis, b);
     }
     return ergebnis;
 }

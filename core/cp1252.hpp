@@ -11,6 +11,9 @@ namespace flurix {
 /// the way back gives the same bytes.
 std::string Cp1252NachUtf8(std::string_view text);
 
+/// Appends the UTF-8 bytes of the code point `c` (below 0x110000).
+void Utf8Anhängen(std::string& ziel, char32_t c);
+
 /// UTF-8 to Windows-1252. A character that 1252 cannot hold becomes "?"; so does each byte of
 /// an invalid UTF-8 sequence.
 std::string Utf8NachCp1252(std::string_view text);

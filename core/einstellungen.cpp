@@ -8,14 +8,6 @@
 
 namespace flurix {
 
-std::string_view TrimmeLeerzeichen(std::string_view text) {
-    const auto anfang = text.find_first_not_of(' ');
-    if (anfang == std::string_view::npos)
-        return {};
-    const auto ende = text.find_last_not_of(' ');
-    return text.substr(anfang, ende - anfang + 1);
-}
-
 std::string TokenNr(std::string_view text, int n, std::string_view trenner) {
     if (n < 1)
         return {};

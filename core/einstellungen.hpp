@@ -1,6 +1,8 @@
 #pragma once
 // The settings file Flurix.dat and the small text helpers that every part of the program reads it with.
 
+#include "core/text.hpp"
+
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -12,9 +14,6 @@ namespace flurix {
 /// blanks trimmed at both ends. A piece that does not exist gives "" (so a key line without "="
 /// has no value). An empty separator leaves the text as one piece.
 std::string TokenNr(std::string_view text, int n, std::string_view trenner);
-
-/// Blanks trimmed at both ends (only blanks, as the settings files are read).
-std::string_view TrimmeLeerzeichen(std::string_view text);
 
 /// Value of `schlüssel` in a settings file of `key =value` lines: token 2 of the first line whose
 /// token 1 equals the key exactly. A missing file, a missing key or a line without separator give "".

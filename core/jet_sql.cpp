@@ -1,5 +1,7 @@
 #include "core/jet_sql.hpp"
 
+#include "core/cp1252.hpp"
+
 #include "core/datenbank.hpp"
 #include "core/fehler.hpp"
 
@@ -68,21 +70,6 @@ char32_t Klein(char32_t c) {
     if (c >= 0xC0 && c <= 0xDE && c != 0xD7)
         return c + 0x20;
     return c;
-}
-
-void Anhängen(std::string& ziel, char32_t c) {
-    if (c < 0x80) {
-        ziel += static_cast<char>(c);
-        return;
-    }
-    // The continuation bytes take six bits each, from the end; the lead byte takes the rest.
-    const std::size_t folgen = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-    const unsigned kopf = folgen == 1 ? 0xC0u : folgen == 2 ? 0xE0u : 0xF0u;
-    char puffer[4];
-    for (std::size_t k = folgen; k > 0; --k, c >>= 6)
-        puffer[k] = static_cast<char>(0x80u | (c & 0x3Fu));
-    puffer[0] = static_cast<char>(kopf | c);
-    ziel.append(puffer, folgen + 1);
 }
 
 std::vector<char32_t> Zeichenfolge(std::string_view text, bool klein) {
@@ -596,7 +583,7 @@ std::string NameFalten(std::string_view name) {
         else if (z.wert == 0xDF || z.wert == 0x1E9E) // ß and its capital
             gefaltet += "ss";
         else
-            Anhängen(gefaltet, Klein(z.wert));
+            Utf8Anhängen(gefaltet, Klein(z.wert));
         pos += z.länge;
     }
     return gefaltet;

@@ -1,6 +1,5 @@
 #include "core/kataster.hpp"
 
-#include "core/einstellungen.hpp"
 #include "core/text.hpp"
 
 #include <algorithm>

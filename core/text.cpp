@@ -4,6 +4,14 @@
 
 namespace flurix {
 
+std::string_view TrimmeLeerzeichen(std::string_view text) {
+    const auto anfang = text.find_first_not_of(' ');
+    if (anfang == std::string_view::npos)
+        return {};
+    const auto ende = text.find_last_not_of(' ');
+    return text.substr(anfang, ende - anfang + 1);
+}
+
 std::string Kleinbuchstaben(std::string_view text) {
     std::string ergebnis(text);
     for (std::size_t i = 0; i < ergebnis.size(); ++i) {

@@ -22,6 +22,9 @@ double ZahlLesen(std::string_view text);
 /// cleaning of register texts and list lines.
 std::string TextSäubern(std::string_view text);
 
+/// Blanks trimmed at both ends (only blanks, as the settings files are read).
+std::string_view TrimmeLeerzeichen(std::string_view text);
+
 /// The first `zeichen` characters (not bytes) of UTF-8 text; a letter is never split.
 std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen);
 

@@ -8,11 +8,8 @@
 #include "gui/kataster_modell.hpp"
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
-#include "import/leser.hpp"
-#include "nas/nas_direkt.hpp"
+#include "import/laden.hpp"
 #include "report/registerauszug.hpp"
-#include "import/tabelle_laden.hpp"
-#include "core/suche.hpp"
 
 #include <QAction>
 #include <QApplication>
@@ -24,7 +21,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
-#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QStyle>
@@ -332,110 +328,30 @@ void FormDatenbank::OptSystem() {
     FormOptionenSystem::Anzeigen(m_zustand.installation.Konfig(), m_ui, this);
 }
 
-void FormDatenbank::LadeumgebungEinrichten(import::Ladeumgebung& umgebung,
-                                           const import::Ladeauftrag& auftrag) {
-    umgebung.optionenDialog = [this](import::ImportOptionen& optionen) {
-        return FormDatenbankDarstellung::Bearbeiten(optionen, this);
-    };
-    umgebung.optionen = m_optionen;
-    // The same readers as the command line, so that a file reads the same way in both.
-    const bool webXml = auftrag.art == import::Eingabeart::WebXml;
-    const import::LeserOrt ort{m_zustand.arbeitsverzeichnis,
-                               m_zustand.installation.Spaltenansichten(), Spaltenansicht(), webXml};
-    import::LeserEintragen(umgebung, m_kataster, m_ui, ort);
-    if (webXml) {
-        // Web-XML chosen in the dialog: the replace question comes first, as for every load; a No
-        // ends the load. The readers' surroundings leave the question out for the command line,
-        // which appends without it.
-        umgebung.tabellenZeilen = [this] { return m_kataster.Zeilenzahl(); };
-    }
-
-    // The readers change the table behind the model's back: each runs inside a model reset, and
-    // the grid's own state (lock, search boxes) follows the new table afterwards.
-    import::Leser& leser = umgebung.leser;
-    const auto datei = [this](auto lesen) {
-        return [this, lesen = std::move(lesen)](const auto&... argumente) {
-            return Einlesen([&] { return lesen(argumente...); });
-        };
-    };
-    leser.wldgeKomplett = datei(std::move(leser.wldgeKomplett));
-    // The quick reader fills the box only when "Flurstückssuche vereinfachen" asks for it.
-    leser.wldgeSchnell = [this, &optionen = umgebung.optionen,
-                          lesen = std::move(leser.wldgeSchnell)](const auto&... argumente) {
-        const Gemarkungspaare keine{{}, false};
-        return Einlesen([&] { return lesen(argumente...); },
-                        optionen.suchbegriffGemarkung ? nullptr : &keine);
-    };
-    leser.webXml = datei(std::move(leser.webXml));
-    // Only a saved table fills the box by its own rule: below 5000 rows, or from the parcel keys
-    // whatever the size when "Flurstückssuche vereinfachen" was chosen in the import dialog.
-    leser.tabelle = [this, ort, &optionen = umgebung.optionen](const std::filesystem::path& tabelle) {
-        const import::TabellenLadeumgebung laden{ort.ansichtsdatei, ort.ansicht,
-                                                 optionen.suchbegriffGemarkung};
-        Gemarkungspaare paare{{}, optionen.suchbegriffGemarkung};
-        return Einlesen(
-            [&] {
-                return import::GespeicherteTabelleLaden(tabelle, laden, m_kataster, m_ui,
-                                                        &paare.einträge);
-            },
-            &paare);
-    };
-    // NAS goes the direct way: scan, compilation and the rows into the table, with the
-    // questions a person is asked.
-    leser.nasFenster = datei([this](const std::filesystem::path& nasDatei) {
-        nas::NasDirektAuftrag nasAuftrag;
-        nasAuftrag.datei = nasDatei;
-        nasAuftrag.datenbank = nas::NasArbeitsdatenbank(m_zustand.arbeitsverzeichnis);
-        m_zustand.arbeitsdatenbanken.push_back(nasAuftrag.datenbank);
-        nasAuftrag.konfigOrdner = m_zustand.installation.Konfig();
-        nasAuftrag.ansichtsdatei = m_zustand.installation.Spaltenansichten();
-        nasAuftrag.ansicht = Spaltenansicht();
-        nasAuftrag.interaktiv = true;
-        nas::NasDirektBericht bericht;
-        return nas::NasDirektImport(nasAuftrag, m_kataster, m_ui, bericht);
-    });
-    umgebung.tabelleLeeren = [this, leeren = std::move(umgebung.tabelleLeeren)] {
-        SpaltenbreitenSichern();
-        Umbauen(leeren);
-    };
-}
-
-Ergebnis FormDatenbank::Einlesen(const std::function<Ergebnis()>& lesen,
-                                 const Gemarkungspaare* eigene) {
-    // A new table starts locked against edits.
-    m_entsperren->setChecked(false);
-    Ergebnis ergebnis;
-    Gemarkungspaare paare;
-    Umbauen([&] {
-        ergebnis = lesen();
-        if (!ergebnis || eigene || !m_kataster.SpaltenIndex("Gemarkung"))
-            return;
-        // The readers fill the box from the columns whatever the size of the table. The reader's
-        // last word (rows read) stays in panel 1, not the percent of the box.
-        const QString gelesen = m_panels[0]->text();
-        const auto zurück = qScopeGuard([&] { m_panels[0]->setText(gelesen); });
-        paare.einträge = BoxGemFlurFüllen(m_kataster, m_ui);
-        // Filling the box sorts the table its own way; every reader leaves it in this order.
-        m_kataster.Sortieren(StandardSortierung);
-    });
-    if (ergebnis)
-        GemarkungsboxFüllen(eigene ? eigene->einträge : paare.einträge,
-                            eigene && eigene->ausKennzeichen);
-    // Even a failed read may have changed the columns.
-    SuchspaltenFüllen();
-    return ergebnis;
-}
-
 Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
     Sperren(true);
-    // Built in place: the readers keep references into it.
-    import::Ladeumgebung umgebung;
-    LadeumgebungEinrichten(umgebung, auftrag);
-    Ergebnis ergebnis = import::ALBDatenLaden(auftrag, umgebung, m_ui);
-    // What the options dialog chose holds for the search and the next load of this run.
-    m_optionen = umgebung.optionen;
+    // The window binds its dialog, its model and its boxes to the load; the load decides the rest.
+    import::Ladebindung bindung;
+    bindung.optionenDialog = [this](import::ImportOptionen& optionen) {
+        return FormDatenbankDarstellung::Bearbeiten(optionen, this);
+    };
+    bindung.tabelleÄndern = [this](const std::function<void()>& arbeit) {
+        // A new table starts locked against edits; the model is reset around the change.
+        m_entsperren->setChecked(false);
+        Umbauen(arbeit);
+    };
+    bindung.vorDemLeeren = [this] { SpaltenbreitenSichern(); };
+    bindung.ansicht = Spaltenansicht();
+    bindung.interaktiv = true;
+    bindung.gemarkungsbox = true;
+    const import::Ladeergebnis geladen =
+        import::DatenLaden(auftrag, m_optionen, m_zustand, bindung, m_kataster, m_ui);
+    if (geladen.gemarkungsbox)
+        GemarkungsboxFüllen(*geladen.gemarkungsbox, geladen.boxAusKennzeichen);
+    // Even a failed read may have changed the columns.
+    SuchspaltenFüllen();
     Sperren(false);
-    return ergebnis;
+    return geladen.ergebnis;
 }
 
 void FormDatenbank::Sperren(bool gesperrt) {

@@ -214,19 +214,6 @@ private:
     void NasStapelZeitgeber();
     void KarteZeitgeber();
     void TimerEnd(int exitcode);
-    /// The readers of import::LeserEintragen for `auftrag`, each wrapped in Einlesen, and the
-    /// options dialog of this window. `umgebung` must stay where it is: the readers refer to it.
-    void LadeumgebungEinrichten(import::Ladeumgebung& umgebung, const import::Ladeauftrag& auftrag);
-    /// Entries of the Gemarkung and Flur box that a reader made itself.
-    struct Gemarkungspaare {
-        std::vector<std::string> einträge;
-        bool ausKennzeichen = false; ///< BoxGemFlurNASFüllen made them
-    };
-    /// One reader's run inside a model reset; then the grid locked, the Gemarkung and Flur box
-    /// filled, and the search column box anew. The box gets `eigene` when given (a saved table,
-    /// filled by the rule of that load), else the pairs of the table's columns whatever its size.
-    Ergebnis Einlesen(const std::function<Ergebnis()>& lesen,
-                      const Gemarkungspaare* eigene = nullptr);
     void Sperren(bool gesperrt);
 
     /// Work that replaces, reorders or re-columns the table: the model is reset around it, the

@@ -101,9 +101,12 @@ Ergebnis WldgeLaden(const std::filesystem::path& datei, Ladeumgebung& umgebung, 
                      optionen);
 }
 
-Ergebnis Verteilen(const Ladeauftrag& auftrag, Ladeumgebung& umgebung, Oberfläche& ui) {
+Ergebnis Verteilen(Ladeauftrag auftrag, Ladeumgebung& umgebung, Oberfläche& ui) {
     if (auftrag.dateien.empty())
         return Ergebnis::Abbruch();
+    // Several files named by their type only are Web-XML extracts: only that reader takes several.
+    if (auftrag.dateien.size() > 1 && auftrag.art == Eingabeart::Xml)
+        auftrag.art = Eingabeart::WebXml;
     const auto& datei = auftrag.dateien.front();
 
     if (auftrag.vonKommandozeile) {

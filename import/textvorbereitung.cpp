@@ -1,5 +1,6 @@
 #include "import/textvorbereitung.hpp"
 
+#include "core/dateikanal.hpp"
 #include "core/fehler.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
@@ -20,100 +21,6 @@ namespace flurix::import {
 namespace fs = std::filesystem;
 
 namespace {
-
-// --- Files through POSIX calls: large reads and writes, no buffering of our own ---------------
-
-/// The cause of a failed system call in the words of the messages.
-std::string Grund(int fehler) {
-    switch (fehler) {
-    case ENOENT:
-        return "nicht gefunden";
-    case EACCES:
-    case EPERM:
-        return "keine Berechtigung";
-    case EISDIR:
-        return "ist ein Ordner";
-    case ENOSPC:
-        return "kein Platz auf dem Datenträger";
-    case EDQUOT:
-        return "Kontingent erschöpft";
-    case EROFS:
-        return "Datenträger ist schreibgeschützt";
-    default:
-        return "Systemfehler " + std::to_string(fehler);
-    }
-}
-
-[[noreturn]] void DateiFehler(const fs::path& pfad, std::string_view was, int fehler) {
-    throw Fehler("Die Datei \"" + pfad.string() + "\" kann nicht " + std::string(was) +
-                 " werden (" + Grund(fehler) + ")!");
-}
-
-/// One open file. Reading fills the buffer up to its size, so blocks are whole but for the last.
-class Dateikanal {
-public:
-    enum class Zweck { Lesen, Schreiben };
-
-    Dateikanal(const fs::path& pfad, Zweck zweck) : m_pfad(pfad) {
-        const int art = zweck == Zweck::Lesen ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
-        do {
-            m_fd = ::open(pfad.c_str(), art | O_CLOEXEC, 0666);
-        } while (m_fd < 0 && errno == EINTR);
-        if (m_fd < 0)
-            DateiFehler(pfad, zweck == Zweck::Lesen ? "geöffnet" : "angelegt", errno);
-        if (zweck == Zweck::Lesen)
-            ::posix_fadvise(m_fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-    }
-    Dateikanal(const Dateikanal&) = delete;
-    Dateikanal& operator=(const Dateikanal&) = delete;
-    Dateikanal(Dateikanal&&) = delete;
-    Dateikanal& operator=(Dateikanal&&) = delete;
-    ~Dateikanal() {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-
-    /// Up to `n` bytes; fewer only at the end of the file, 0 there.
-    std::size_t Lesen(char* puffer, std::size_t n) {
-        std::size_t gelesen = 0;
-        while (gelesen < n) {
-            const ssize_t r = ::read(m_fd, puffer + gelesen, n - gelesen);
-            if (r == 0)
-                break;
-            if (r < 0) {
-                if (errno == EINTR)
-                    continue;
-                DateiFehler(m_pfad, "gelesen", errno);
-            }
-            gelesen += static_cast<std::size_t>(r);
-        }
-        return gelesen;
-    }
-
-    void Schreiben(const char* daten, std::size_t n) {
-        while (n > 0) {
-            const ssize_t w = ::write(m_fd, daten, n);
-            if (w <= 0) {
-                if (w < 0 && errno == EINTR)
-                    continue;
-                DateiFehler(m_pfad, "geschrieben", w < 0 ? errno : ENOSPC);
-            }
-            daten += w;
-            n -= static_cast<std::size_t>(w);
-        }
-    }
-
-    /// Closes and reports what the system only tells at close (a full disk on some file systems).
-    void Schließen() {
-        const int fd = std::exchange(m_fd, -1);
-        if (::close(fd) != 0 && errno != EINTR)
-            DateiFehler(m_pfad, "geschrieben", errno);
-    }
-
-private:
-    fs::path m_pfad;
-    int m_fd = -1;
-};
 
 /// The temporary file "<name>#" of a conversion. It is deleted again unless it took the place of
 /// the source, so that an error never leaves it behind and the source is replaced only by a
@@ -443,50 +350,11 @@ void ZeichenKorrektur(std::string& zeile) {
     zeile.resize(j);
 }
 
-std::string DateiKopfLesen(const fs::path& pfad, int anzahl, std::size_t höchstens) {
-    constexpr std::size_t Lesestück = 65'536;
-    Dateikanal datei(pfad, Dateikanal::Zweck::Lesen); // also a missing file is reported
-    std::string kopf;
-    if (anzahl <= 0)
-        return kopf;
-    int zeilen = 0;
-    std::size_t geprüft = 0;
-    while (kopf.size() < höchstens) {
-        const std::size_t alt = kopf.size();
-        kopf.resize(alt + std::min(Lesestück, höchstens - alt));
-        kopf.resize(alt + datei.Lesen(kopf.data() + alt, kopf.size() - alt));
-        if (kopf.size() == alt)
-            break;
-        for (; geprüft < kopf.size(); ++geprüft) {
-            const char c = kopf[geprüft];
-            if (c == '\r') {
-                if (geprüft + 1 == kopf.size())
-                    break; // CR LF or a lone CR: the next byte tells
-                if (kopf[geprüft + 1] == '\n')
-                    continue; // the LF ends this line
-            } else if (c != '\n') {
-                continue;
-            }
-            if (++zeilen == anzahl) {
-                kopf.resize(geprüft + 1);
-                return kopf;
-            }
-        }
-    }
-    return kopf;
-}
-
 bool IstInText(std::string_view text, std::string_view liste) {
     const auto stücke = Teilen(liste, ',');
     return std::any_of(stücke.begin(), stücke.end(), [text](std::string_view stück) {
         return !stück.empty() && text.find(stück) != std::string_view::npos;
     });
-}
-
-bool DateiZuGroß(const fs::path& pfad) {
-    std::error_code ec;
-    const std::uintmax_t größe = fs::file_size(pfad, ec);
-    return !ec && größe > GrößteAusgangsdatei;
 }
 
 } // namespace flurix::import

@@ -1,10 +1,12 @@
 #pragma once
 // Text preparation of the register import: line ends of files that come from UNIX, line counts with
-// progress, the head of a file, the German-letter correction of WLDGE lines and the 4 GiB limit of
-// the NAS window. Every text input passes here before a reader sees it.
+// progress and the German-letter correction of WLDGE lines. Every text input passes here before a
+// reader sees it. The head of a file and the 4 GiB limit are in core/dateikopf.hpp.
 //
 // Files of several gigabytes are streamed: the converters hold one block of 1,000,000 bytes and a
 // fixed output buffer, whatever the file's size.
+
+#include "core/dateikopf.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,17 +26,6 @@ inline constexpr std::size_t UmwandlungsBlock = 1'000'000;
 inline constexpr std::size_t ZählBlock = 16'384;
 /// The longest path (in characters) the line-end check works on; a longer one is left alone.
 inline constexpr std::size_t LängsterPfad = 256;
-/// The largest file the NAS window takes: 4 GiB.
-inline constexpr std::uintmax_t GrößteAusgangsdatei = 4'294'967'296;
-/// Refusal of the NAS window for one file above GrößteAusgangsdatei.
-inline constexpr std::string_view MeldungAusgangsdateiZuGroß =
-    "Fehler: Ausgangsdatei ist mit > 4.294.967.296 Byte zu groß!   ";
-/// Refusal of the NAS window when one file of a list is above GrößteAusgangsdatei.
-inline constexpr std::string_view MeldungEineAusgangsdateiZuGroß =
-    "Fehler: Eine Ausgangsdatei ist mit > 4.294.967.296 Byte zu groß!   ";
-/// DateiKopfLesen reads no more than this many bytes unless told otherwise, so that a file
-/// without line ends (a one-line XML file, a binary file) is not read whole for a look at its head.
-inline constexpr std::size_t KopfHöchstlänge = 16'000'000;
 
 /// The "UNIX-Prüfung": converts a file with UNIX line ends to CR LF through the temporary file
 /// "<name>#" beside it (a stale one is deleted first), block by block, showing the megabytes done
@@ -77,21 +68,10 @@ long long ZeilenZählen(const std::filesystem::path& pfad);
 /// "\" and "]" stay. Other bytes are kept. Never fails.
 void ZeichenKorrektur(std::string& zeile);
 
-/// The first `anzahl` lines of a file as one string, each with its own line end: LF, CR LF and a
-/// lone CR each end a line, so the result is always the file's first bytes, unchanged. Fewer lines
-/// give the whole file; `anzahl` <= 0 gives "". Reads only as far as needed and never more than
-/// `höchstens` bytes. Throws Fehler naming the file when it can't be read.
-std::string DateiKopfLesen(const std::filesystem::path& pfad, int anzahl,
-                           std::size_t höchstens = KopfHöchstlänge);
-
 /// True when any comma-separated item of `liste` occurs in `text` (exact bytes, case-sensitive).
 /// Empty items (",," or an empty list) are passed over: an empty item would be found in every text.
 /// Blanks around an item belong to it.
 bool IstInText(std::string_view text, std::string_view liste);
-
-/// True when the file is larger than GrößteAusgangsdatei; the size is taken as a 64-bit value.
-/// False when its size can't be read (the reader that opens it reports that).
-bool DateiZuGroß(const std::filesystem::path& pfad);
 
 namespace detail {
 

@@ -51,22 +51,7 @@ std::string Entschlüsseln(std::string_view roh) {
             char* rest = nullptr;
             const unsigned long code = std::strtoul(ziffern.c_str(), &rest, hex ? 16 : 10);
             if (!ziffern.empty() && rest && *rest == '\0' && code > 0 && code < 0x110000) {
-                // UTF-8 of the code point
-                if (code < 0x80) {
-                    text += static_cast<char>(code);
-                } else if (code < 0x800) {
-                    text += static_cast<char>(0xC0 | (code >> 6));
-                    text += static_cast<char>(0x80 | (code & 0x3F));
-                } else if (code < 0x10000) {
-                    text += static_cast<char>(0xE0 | (code >> 12));
-                    text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-                    text += static_cast<char>(0x80 | (code & 0x3F));
-                } else {
-                    text += static_cast<char>(0xF0 | (code >> 18));
-                    text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-                    text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-                    text += static_cast<char>(0x80 | (code & 0x3F));
-                }
+                Utf8Anhängen(text, static_cast<char32_t>(code));
                 ersetzt = true;
             }
         }
@@ -309,6 +294,12 @@ private:
             Kennzeichen(Attribut(tag, "kennzeichen"));
             return;
         }
+        AbschnittsTag(tag);
+    }
+
+    // An opening tag inside one of the sections of a parcel.
+    void AbschnittsTag(const Tag& tag) {
+        const std::string_view n = tag.name;
         switch (m_abschnitt) {
         case Abschnitt::Stelle:
             // Many offices write their name in both tags; it is shown once.

@@ -1,10 +1,10 @@
 #include "nas/anreicherung.hpp"
 
+#include "core/dateikopf.hpp"
 #include "core/datenbank.hpp"
 #include "core/einstellungen.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
-#include "import/textvorbereitung.hpp"
 #include "nas/konfig_suche.hpp"
 #include "nas/objektdatenbank.hpp"
 
@@ -169,7 +169,7 @@ void GemeindeErgänzen(Datenbank& db) {
         !DAO_FeldVorhanden(db, "AX_Gemeinde", "bezeichnung"))
         return;
     if (!DAO_IndexVorhanden(db, "AX_Gemeinde", "gemeindekennzeichen"))
-        DAO_CreateIndex(db, "AX_Gemeinde", "gemeindekennzeichen", false, false);
+        DAO_IndexAnlegen(db, "AX_Gemeinde", "gemeindekennzeichen", false, false);
     db.AusführenNativ(
         "UPDATE \"AX_Flurstueck\" SET \"Gemeinde\" = COALESCE((SELECT g.\"bezeichnung\" FROM "
         "\"AX_Gemeinde\" g WHERE g.\"gemeindekennzeichen\" = \"AX_Flurstueck\".\"gemeindezugehoerigkeit\" "
@@ -185,10 +185,10 @@ void GemarkungErgänzen(Datenbank& db) {
     if (!DAO_FeldVorhanden(db, "AX_Gemarkung", "istAmtsbezirkVon"))
         return;
     constexpr std::string_view Tabelle = "AX_Gemarkung_id#istAmtsbezirkVon";
-    DAO_TabelleLoeschen(db, Tabelle);
+    DAO_TabelleLöschen(db, Tabelle);
     db.AusführenNativ("CREATE TABLE " + Bezeichner(Tabelle) +
                       " (\"id\" TEXT COLLATE NOCASE, \"istAmtsbezirkVon\" TEXT COLLATE NOCASE)");
-    DAO_CreateIndex(db, Tabelle, "id", false, false);
+    DAO_IndexAnlegen(db, Tabelle, "id", false, false);
     {
         auto lesen = db.VorbereitenNativ("SELECT \"id\", \"istAmtsbezirkVon\" FROM \"AX_Gemarkung\"");
         auto schreiben = db.VorbereitenNativ("INSERT INTO " + Bezeichner(Tabelle) + " VALUES (?, ?)");
@@ -202,14 +202,14 @@ void GemarkungErgänzen(Datenbank& db) {
             }
         }
     }
-    DAO_FeldLoeschen(db, "AX_Gemarkung", "istAmtsbezirkVon");
+    DAO_FeldLöschen(db, "AX_Gemarkung", "istAmtsbezirkVon");
 }
 
 // Step 7: order number, coordinate and height system of the file.
 Antragsbeschreibung AntragErgänzen(Datenbank& db, const std::filesystem::path& nasDatei,
                                    std::string_view epsgText) {
     Antragsbeschreibung antrag;
-    const std::string kopf = import::DateiKopfLesen(nasDatei, 100'000);
+    const std::string kopf = DateiKopfLesen(nasDatei, 100'000);
     std::size_t zeilenNr = 0;
     for (std::string_view zeile : Teilen(kopf, '\n')) {
         if (++zeilenNr > 50)

@@ -358,7 +358,7 @@ void SuchindizesAnlegen(Datenbank& db) {
     };
     for (const auto& [tabelle, spalte] : indizes)
         if (DAO_FeldVorhanden(db, tabelle, spalte) && !DAO_IndexVorhanden(db, tabelle, spalte))
-            DAO_CreateIndex(db, tabelle, spalte, false, false);
+            DAO_IndexAnlegen(db, tabelle, spalte, false, false);
 }
 
 /// A row of Alkis and its place in the walk.
@@ -541,232 +541,312 @@ Bezugssystem BezugssystemAusSystemwert(std::string_view systemWert) {
 
 // ---- The pass -------------------------------------------------------------------------------
 
+namespace {
+
+/// The columns of the pass that the table has (a user's own mapping script may leave some out).
+struct Ordnungsspalten {
+    std::array<std::optional<std::string>, SpaltenAnzahl> name;
+    std::optional<std::string> umring;
+
+    bool Hat(Sp s) const { return name[s].has_value(); }
+    bool HatAlle(std::initializer_list<Sp> benötigt) const {
+        return std::all_of(benötigt.begin(), benötigt.end(), [this](Sp s) { return Hat(s); });
+    }
+};
+
+Ordnungsspalten SpaltenDerTabelle(Datenbank& db) {
+    const std::vector<std::string> vorhandene = db.Spaltennamen(Tabelle);
+    Ordnungsspalten spalten;
+    for (std::size_t s = 0; s < SpaltenAnzahl; ++s)
+        spalten.name[s] = SpalteFinden(vorhandene, Spaltenarten[s].name);
+    spalten.umring = SpalteFinden(vorhandene, UmringSpalte);
+    return spalten;
+}
+
+/// The walk. Its order decides only the running number and the owner's position, and the
+/// protocol lists the rows in it; so the order is read first, with the numbers and the list
+/// lines, and the rows are then edited in the order they are stored. Reading and rewriting
+/// wide rows (rings of several KB) in storage order keeps the file access sequential; in the
+/// walk's order it jumps through the whole file. It also keeps the rule that a table is not
+/// updated while a SELECT over it is being stepped. Rows that tie keep the order they were
+/// made in. The result is sorted by rowid.
+std::vector<Platz> PlätzeInLaufordnung(Datenbank& db, const Ordnungsspalten& spalten,
+                                       NasProtokoll& protokoll) {
+    std::vector<Platz> plätze;
+    std::string reihenfolge;
+    for (Sp s : {Fkz, Grundbuchblatt, BVNR, Buchungsart, Namensnummer})
+        if (spalten.Hat(s))
+            reihenfolge += Bezeichner(*spalten.name[s]) + ", ";
+    const std::string kennzeichen = spalten.Hat(Fkz) ? Bezeichner(*spalten.name[Fkz]) : "''";
+    auto abfrage = db.VorbereitenNativ("SELECT rowid, " + kennzeichen + " FROM " +
+                                       Bezeichner(Tabelle) + " ORDER BY " + reihenfolge + "rowid");
+    std::string voriges;
+    std::int64_t position = 0;
+    while (abfrage.Schritt()) {
+        const std::int64_t nummer = static_cast<std::int64_t>(plätze.size()) + 1;
+        const std::string_view fkz = abfrage.Text(1);
+        position = (nummer > 1 && fkz == voriges) ? position + 1 : 1;
+        voriges.assign(fkz);
+        plätze.push_back({abfrage.Ganzzahl(0), nummer, position});
+        protokoll.Liste(", Zeile ALKIS: " + MitNullen(nummer, 5) + ",FKZ: " + voriges);
+    }
+    std::sort(plätze.begin(), plätze.end(),
+              [](const Platz& a, const Platz& b) { return a.zeile < b.zeile; });
+    return plätze;
+}
+
+/// One statement reads a row's cells by rowid, one writes the edited cells back; the ring,
+/// which may be long, is read only for a row without coordinates.
+class Zeilenzugriff {
+public:
+    Zeilenzugriff(Datenbank& db, const Ordnungsspalten& spalten, bool mitKoordinaten) {
+        std::string leseListe;
+        std::string schreibListe;
+        for (std::size_t i = 0; i < SpaltenAnzahl; ++i) {
+            const Sp s = static_cast<Sp>(i);
+            if (!spalten.Hat(s))
+                continue;
+            leseListe += (m_gelesen.empty() ? "" : ", ") + Bezeichner(*spalten.name[s]);
+            m_gelesen.push_back(s);
+            if (Spaltenarten[s].geschrieben) {
+                schreibListe +=
+                    (m_geschrieben.empty() ? "" : ", ") + Bezeichner(*spalten.name[s]) + " = ?";
+                m_geschrieben.push_back(s);
+            }
+        }
+        m_lesen.emplace(db.VorbereitenNativ("SELECT " + leseListe + " FROM " +
+                                            Bezeichner(Tabelle) + " WHERE rowid = ?"));
+        if (!m_geschrieben.empty())
+            m_schreiben.emplace(db.VorbereitenNativ("UPDATE " + Bezeichner(Tabelle) + " SET " +
+                                                    schreibListe + " WHERE rowid = ?"));
+        if (mitKoordinaten)
+            m_umringLesen.emplace(db.VorbereitenNativ("SELECT " + Bezeichner(*spalten.umring) +
+                                                      " FROM " + Bezeichner(Tabelle) +
+                                                      " WHERE rowid = ?"));
+    }
+
+    /// The cells of the row into `z`, unchanged; false when the row is not there.
+    bool Lesen(std::int64_t zeile, std::array<Zelle, SpaltenAnzahl>& z) {
+        m_lesen->Zurücksetzen();
+        m_lesen->Binde(zeile);
+        if (!m_lesen->Schritt())
+            return false;
+        for (std::size_t i = 0; i < m_gelesen.size(); ++i) {
+            Zelle& zelle = z[m_gelesen[i]];
+            const int spalte = static_cast<int>(i);
+            zelle.null = m_lesen->IstNull(spalte);
+            zelle.text.assign(m_lesen->Text(spalte));
+            zelle.geändert = false;
+        }
+        m_lesen->Zurücksetzen();
+        return true;
+    }
+
+    /// The rings of the row joined with "|"; nullopt when it can't be read.
+    std::optional<std::string> Umring(std::int64_t zeile) {
+        m_umringLesen->Zurücksetzen();
+        m_umringLesen->Binde(zeile);
+        std::optional<std::string> umring;
+        if (m_umringLesen->Schritt())
+            umring.emplace(m_umringLesen->Text(0));
+        m_umringLesen->Zurücksetzen();
+        return umring;
+    }
+
+    /// Writes the written columns back when one of them was changed.
+    void Zurückschreiben(std::int64_t zeile, const std::array<Zelle, SpaltenAnzahl>& z) {
+        if (!m_schreiben || std::none_of(m_geschrieben.begin(), m_geschrieben.end(),
+                                         [&z](Sp s) { return z[s].geändert; }))
+            return;
+        m_schreiben->Zurücksetzen();
+        for (Sp s : m_geschrieben) {
+            if (z[s].null)
+                m_schreiben->Binde(nullptr);
+            else
+                m_schreiben->Binde(std::string_view(z[s].text));
+        }
+        m_schreiben->Binde(zeile);
+        m_schreiben->Schritt();
+        m_schreiben->Zurücksetzen();
+    }
+
+private:
+    std::vector<Sp> m_gelesen;
+    std::vector<Sp> m_geschrieben;
+    std::optional<Anweisung> m_lesen;
+    std::optional<Anweisung> m_schreiben;
+    std::optional<Anweisung> m_umringLesen;
+};
+
+/// What every row gets alike: which rules apply, decided once from the columns and the options.
+struct Ordnungsregeln {
+    bool nutzung, klassifizierung, landkreis, dienststelle, amtsgericht, land, name, straße, ort,
+        sondereigentum, flächendifferenz, ohnePrüfung, mitKoordinaten, mitBezugssystem;
+    bool nutzungOhneAx;
+    Bezugssystem bezugssystem;
+};
+
+Ordnungsregeln RegelnFestlegen(const Ordnungsspalten& spalten, const OrdnenUmgebung& umgebung) {
+    const NasOptionen& o = umgebung.optionen;
+    Ordnungsregeln r{};
+    r.nutzung = spalten.HatAlle({NutzungTatsächlich, Nutzungsart});
+    r.klassifizierung = spalten.HatAlle({AngabenKlassifizierung, Bodenart});
+    r.landkreis = spalten.HatAlle({Landkreis, Gemeindeschlüssel});
+    r.dienststelle = spalten.HatAlle({Dienststelle, Gemeindeschlüssel});
+    r.amtsgericht = spalten.HatAlle({Amtsgericht, Buchungsblattbezirk});
+    r.land = spalten.HatAlle({Land, Gemeindeschlüssel});
+    r.name = spalten.HatAlle({Name, Nachname, Vorname});
+    r.straße = spalten.HatAlle({Straße, Strassenname, Hausnummer});
+    r.ort = spalten.HatAlle({Ort, PLZ});
+    r.sondereigentum = spalten.HatAlle({AnteilSonder, AnteilZähler, AnteilNenner});
+    r.flächendifferenz = !o.mitFlächenAnpassung;
+    r.ohnePrüfung =
+        !(o.mitNaBerechnung || o.quickNaBerechnung || o.quickBSBerechnung || o.quickBROBBerechnung);
+    r.mitKoordinaten = spalten.HatAlle({Rechtswert, Hochwert}) && spalten.umring.has_value();
+    r.mitBezugssystem = !umgebung.systemWert.empty();
+    r.nutzungOhneAx = o.nutzungOhneAx;
+    r.bezugssystem = BezugssystemAusSystemwert(umgebung.systemWert);
+    return r;
+}
+
+using Zellen = std::array<Zelle, SpaltenAnzahl>;
+
+/// Running number, the owner's place among the rows of the parcel, and the date of birth.
+void NummerPositionUndGeburtsdatum(Zellen& z, const Ordnungsspalten& spalten, const Platz& platz) {
+    if (spalten.Hat(IDlfdNr))
+        Setzen(z[IDlfdNr], MitNullen(platz.nummer, 4));
+    if (spalten.Hat(Eigentümerposition))
+        Setzen(z[Eigentümerposition], MitNullen(platz.position, 4));
+    if (spalten.Hat(Geburtsdatum) && z[Geburtsdatum].text.find('-') != std::string::npos)
+        Setzen(z[Geburtsdatum], DatumUmkehren(z[Geburtsdatum].text));
+}
+
+/// Land-use lists, the area difference and the classification.
+void NutzungUndKlassifizierung(Zellen& z, const Ordnungsspalten& spalten,
+                               const Ordnungsregeln& r) {
+    if (r.nutzung && !IstBlank(z[NutzungTatsächlich].text)) {
+        const Nutzungstexte texte =
+            NutzungOrdnen(z[NutzungTatsächlich].text, z[Nutzungsart].text, r.nutzungOhneAx);
+        Setzen(z[NutzungTatsächlich], texte.nutzungTatsächlich);
+        Setzen(z[Nutzungsart], texte.nutzungsart);
+    }
+    if (r.flächendifferenz && spalten.Hat(Flächendifferenz))
+        Setzen(z[Flächendifferenz], "ohne Verteilung");
+    if (r.klassifizierung && !z[Bodenart].null)
+        Setzen(z[AngabenKlassifizierung], z[Bodenart].text);
+}
+
+/// County, office, court and Land by key; the sheet district in its compact form.
+void BehördenNachSchlüssel(Zellen& z, const Ordnungsspalten& spalten, const Ordnungsregeln& r,
+                           Schlüsselsuche& suche) {
+    if (r.landkreis)
+        if (const auto& wert = suche.Landkreis(z[Gemeindeschlüssel].text))
+            Setzen(z[Landkreis], *wert);
+    if (r.dienststelle) {
+        // Where no office has the municipality's key, the office of the Gemarkung.
+        std::string amt = suche.Dienststelle(z[Gemeindeschlüssel].text);
+        if (amt.empty() && spalten.Hat(Katasteramt))
+            amt = Utf8Anfang(z[Katasteramt].text, MaxTextlänge);
+        Setzen(z[Dienststelle], amt);
+    }
+    if (r.amtsgericht)
+        Setzen(z[Amtsgericht], suche.Amtsgericht(z[Buchungsblattbezirk].text));
+    // The district is sought in its blank-joined form ("07 2566") and shown compact.
+    if (spalten.Hat(Buchungsblattbezirk) && !z[Buchungsblattbezirk].null)
+        Setzen(z[Buchungsblattbezirk], Ersetzen(z[Buchungsblattbezirk].text, " ", ""));
+    if (r.land)
+        if (const auto& wert = suche.Land(z[Gemeindeschlüssel].text))
+            Setzen(z[Land], *wert);
+}
+
+/// The parcel number and the key in NAS's form, and the area.
+void FlurstückUndFläche(Zellen& z, const Ordnungsspalten& spalten) {
+    if (spalten.Hat(Fkz)) {
+        const std::string_view kennzeichen = z[Fkz].text;
+        if (spalten.Hat(Flurstück))
+            Setzen(z[Flurstück], FlurstückAusKennzeichen(kennzeichen));
+        if (spalten.Hat(FkzOrig))
+            Setzen(z[FkzOrig], FkzOriginal(kennzeichen));
+    }
+    if (spalten.Hat(Fläche) && !z[Fläche].null)
+        Setzen(z[Fläche], FlächeFormat(z[Fläche].text));
+}
+
+/// Name, name suffix, street, application number, place, shares and the check note.
+void PersonAnschriftUndAnteile(Zellen& z, const Ordnungsspalten& spalten, const Ordnungsregeln& r,
+                               const std::string& antragsnummer) {
+    if (r.name)
+        Setzen(z[Name], NameZusammensetzen(z[Nachname].text, z[Vorname].text));
+    if (spalten.Hat(Namenszusatz) && !IstBlank(z[Namenszusatz].text))
+        Setzen(z[Namenszusatz], NamenszusatzMitGeb(z[Namenszusatz].text));
+    if (r.straße)
+        Setzen(z[Straße], MitLeerzeichen(z[Strassenname].text, z[Hausnummer].text));
+    if (spalten.Hat(AntragsNr))
+        Setzen(z[AntragsNr], antragsnummer);
+    if (r.ort)
+        Setzen(z[Ort], MitLeerzeichen(z[PLZ].text, z[Ort].text));
+    if (spalten.Hat(AnteilGrund) && !z[AnteilGrund].null)
+        Setzen(z[AnteilGrund], AnteilGrundstück(z[AnteilGrund].text));
+    if (r.sondereigentum)
+        Setzen(z[AnteilSonder], AnteilSondereigentum(z[AnteilZähler].text, z[AnteilNenner].text));
+    if (r.ohnePrüfung && spalten.Hat(SonstigesBOV))
+        Setzen(z[SonstigesBOV], "... ohne Prüfung");
+}
+
+/// A parcel without label point gets the centre of its ring's box; then the reference system.
+void KoordinatenUndBezugssystem(Zellen& z, const Ordnungsspalten& spalten,
+                                const Ordnungsregeln& r, Zeilenzugriff& zugriff,
+                                std::int64_t zeile) {
+    if (r.mitKoordinaten && IstBlank(z[Rechtswert].text)) {
+        if (std::optional<std::string> umring = zugriff.Umring(zeile)) {
+            // Rings are joined with "|"; the box takes the points of all of them.
+            std::replace(umring->begin(), umring->end(), '|', ';');
+            if (const auto mitte = BoxMitte(*umring)) {
+                Setzen(z[Rechtswert], KoordinateText(mitte->x));
+                Setzen(z[Hochwert], KoordinateText(mitte->y));
+            }
+        }
+    }
+    if (r.mitBezugssystem) {
+        if (spalten.Hat(MKZ))
+            Setzen(z[MKZ], r.bezugssystem.mkz);
+        if (spalten.Hat(EPSG))
+            Setzen(z[EPSG], r.bezugssystem.epsg);
+    }
+}
+
+} // namespace
+
 std::int64_t DatenOrdnen(Datenbank& db, const OrdnenUmgebung& umgebung, NasProtokoll& protokoll,
                          Oberfläche& ui) {
     if (!DAO_TabelleVorhanden(db, Tabelle))
         return 0;
-
-    // Which of the columns this table has (a user's own mapping script may leave some out).
-    const std::vector<std::string> vorhandene = db.Spaltennamen(Tabelle);
-    std::array<std::optional<std::string>, SpaltenAnzahl> spalten;
-    for (std::size_t s = 0; s < SpaltenAnzahl; ++s)
-        spalten[s] = SpalteFinden(vorhandene, Spaltenarten[s].name);
-    const std::optional<std::string> umringSpalte = SpalteFinden(vorhandene, UmringSpalte);
-    auto hat = [&spalten](std::initializer_list<Sp> benötigt) {
-        return std::all_of(benötigt.begin(), benötigt.end(),
-                           [&spalten](Sp s) { return spalten[s].has_value(); });
-    };
-
-    // The walk. Its order decides only the running number and the owner's position, and the
-    // protocol lists the rows in it; so the order is read first, with the numbers and the list
-    // lines, and the rows are then edited in the order they are stored. Reading and rewriting
-    // wide rows (rings of several KB) in storage order keeps the file access sequential; in the
-    // walk's order it jumps through the whole file. It also keeps the rule that a table is not
-    // updated while a SELECT over it is being stepped. Rows that tie keep the order they were
-    // made in.
-    std::vector<Platz> plätze;
-    {
-        std::string reihenfolge;
-        for (Sp s : {Fkz, Grundbuchblatt, BVNR, Buchungsart, Namensnummer})
-            if (spalten[s])
-                reihenfolge += Bezeichner(*spalten[s]) + ", ";
-        const std::string kennzeichen = spalten[Fkz] ? Bezeichner(*spalten[Fkz]) : "''";
-        auto abfrage =
-            db.VorbereitenNativ("SELECT rowid, " + kennzeichen + " FROM " + Bezeichner(Tabelle) +
-                                " ORDER BY " + reihenfolge + "rowid");
-        std::string voriges;
-        std::int64_t position = 0;
-        while (abfrage.Schritt()) {
-            const std::int64_t nummer = static_cast<std::int64_t>(plätze.size()) + 1;
-            const std::string_view fkz = abfrage.Text(1);
-            position = (nummer > 1 && fkz == voriges) ? position + 1 : 1;
-            voriges.assign(fkz);
-            plätze.push_back({abfrage.Ganzzahl(0), nummer, position});
-            protokoll.Liste(", Zeile ALKIS: " + MitNullen(nummer, 5) + ",FKZ: " + voriges);
-        }
-    }
+    const Ordnungsspalten spalten = SpaltenDerTabelle(db);
+    const std::vector<Platz> plätze = PlätzeInLaufordnung(db, spalten, protokoll);
     if (plätze.empty())
         return 0;
-    std::sort(plätze.begin(), plätze.end(),
-              [](const Platz& a, const Platz& b) { return a.zeile < b.zeile; });
     SuchindizesAnlegen(db);
 
-    // One statement reads a row's cells by rowid, one writes the edited cells back; the ring,
-    // which may be long, is read only for a row without coordinates.
-    std::vector<Sp> gelesen;
-    std::vector<Sp> geschrieben;
-    std::string leseListe;
-    std::string schreibListe;
-    for (std::size_t i = 0; i < SpaltenAnzahl; ++i) {
-        const Sp s = static_cast<Sp>(i);
-        if (!spalten[s])
-            continue;
-        leseListe += (gelesen.empty() ? "" : ", ") + Bezeichner(*spalten[s]);
-        gelesen.push_back(s);
-        if (Spaltenarten[s].geschrieben) {
-            schreibListe += (geschrieben.empty() ? "" : ", ") + Bezeichner(*spalten[s]) + " = ?";
-            geschrieben.push_back(s);
-        }
-    }
     std::optional<Transaktion> transaktion;
     if (!db.TransaktionOffen())
         transaktion.emplace(db);
-    auto lesen = db.VorbereitenNativ("SELECT " + leseListe + " FROM " + Bezeichner(Tabelle) +
-                                     " WHERE rowid = ?");
-    std::optional<Anweisung> schreiben;
-    if (!geschrieben.empty())
-        schreiben.emplace(db.VorbereitenNativ("UPDATE " + Bezeichner(Tabelle) + " SET " +
-                                              schreibListe + " WHERE rowid = ?"));
-    const bool mitKoordinaten = hat({Rechtswert, Hochwert}) && umringSpalte.has_value();
-    std::optional<Anweisung> umringLesen;
-    if (mitKoordinaten)
-        umringLesen.emplace(db.VorbereitenNativ("SELECT " + Bezeichner(*umringSpalte) + " FROM " +
-                                                Bezeichner(Tabelle) + " WHERE rowid = ?"));
-
-    // What every row gets alike.
-    const bool nutzung = hat({NutzungTatsächlich, Nutzungsart});
-    const bool klassifizierung = hat({AngabenKlassifizierung, Bodenart});
-    const bool landkreis = hat({Landkreis, Gemeindeschlüssel});
-    const bool dienststelle = hat({Dienststelle, Gemeindeschlüssel});
-    const bool amtsgericht = hat({Amtsgericht, Buchungsblattbezirk});
-    const bool land = hat({Land, Gemeindeschlüssel});
-    const bool name = hat({Name, Nachname, Vorname});
-    const bool straße = hat({Straße, Strassenname, Hausnummer});
-    const bool ort = hat({Ort, PLZ});
-    const bool sondereigentum = hat({AnteilSonder, AnteilZähler, AnteilNenner});
-    const bool flächendifferenz = !umgebung.optionen.mitFlächenAnpassung;
-    const NasOptionen& o = umgebung.optionen;
-    const bool ohnePrüfung =
-        !(o.mitNaBerechnung || o.quickNaBerechnung || o.quickBSBerechnung || o.quickBROBBerechnung);
-    const Bezugssystem bezugssystem = BezugssystemAusSystemwert(umgebung.systemWert);
-    const bool mitBezugssystem = !umgebung.systemWert.empty();
-
+    const Ordnungsregeln regeln = RegelnFestlegen(spalten, umgebung);
+    Zeilenzugriff zugriff(db, spalten, regeln.mitKoordinaten);
     Schlüsselsuche suche(db, umgebung.amtsgerichte);
-    std::array<Zelle, SpaltenAnzahl> z;
+    Zellen z;
     std::int64_t bearbeitet = 0;
-
     for (const Platz& platz : plätze) {
-        const std::int64_t zeile = platz.zeile;
-        lesen.Zurücksetzen();
-        lesen.Binde(zeile);
-        if (!lesen.Schritt())
+        if (!zugriff.Lesen(platz.zeile, z))
             continue; // cannot happen: the pass deletes no rows
-        for (std::size_t i = 0; i < gelesen.size(); ++i) {
-            Zelle& zelle = z[gelesen[i]];
-            const int spalte = static_cast<int>(i);
-            zelle.null = lesen.IstNull(spalte);
-            zelle.text.assign(lesen.Text(spalte));
-            zelle.geändert = false;
-        }
-        lesen.Zurücksetzen();
-        const std::string_view kennzeichen = z[Fkz].text;
         if (++bearbeitet % 1000 == 0)
             ui.Status(1, "Daten ordnen, Zeile: " + std::to_string(bearbeitet));
-
-        // 1, 2: running number, and the owner's place among the rows of the parcel.
-        if (spalten[IDlfdNr])
-            Setzen(z[IDlfdNr], MitNullen(platz.nummer, 4));
-        if (spalten[Eigentümerposition])
-            Setzen(z[Eigentümerposition], MitNullen(platz.position, 4));
-        // 3: date of birth.
-        if (spalten[Geburtsdatum] && z[Geburtsdatum].text.find('-') != std::string::npos)
-            Setzen(z[Geburtsdatum], DatumUmkehren(z[Geburtsdatum].text));
-        // 4: land-use lists.
-        if (nutzung && !IstBlank(z[NutzungTatsächlich].text)) {
-            const Nutzungstexte texte =
-                NutzungOrdnen(z[NutzungTatsächlich].text, z[Nutzungsart].text, o.nutzungOhneAx);
-            Setzen(z[NutzungTatsächlich], texte.nutzungTatsächlich);
-            Setzen(z[Nutzungsart], texte.nutzungsart);
-        }
-        // 5, 6
-        if (flächendifferenz && spalten[Flächendifferenz])
-            Setzen(z[Flächendifferenz], "ohne Verteilung");
-        if (klassifizierung && !z[Bodenart].null)
-            Setzen(z[AngabenKlassifizierung], z[Bodenart].text);
-        // 7 - 10: county, office, court and Land by key.
-        if (landkreis)
-            if (const auto& wert = suche.Landkreis(z[Gemeindeschlüssel].text))
-                Setzen(z[Landkreis], *wert);
-        if (dienststelle) {
-            // Where no office has the municipality's key, the office of the Gemarkung.
-            std::string amt = suche.Dienststelle(z[Gemeindeschlüssel].text);
-            if (amt.empty() && spalten[Katasteramt])
-                amt = Utf8Anfang(z[Katasteramt].text, MaxTextlänge);
-            Setzen(z[Dienststelle], amt);
-        }
-        if (amtsgericht)
-            Setzen(z[Amtsgericht], suche.Amtsgericht(z[Buchungsblattbezirk].text));
-        // The district is sought in its blank-joined form ("07 2566") and shown compact.
-        if (spalten[Buchungsblattbezirk] && !z[Buchungsblattbezirk].null)
-            Setzen(z[Buchungsblattbezirk], Ersetzen(z[Buchungsblattbezirk].text, " ", ""));
-        if (land)
-            if (const auto& wert = suche.Land(z[Gemeindeschlüssel].text))
-                Setzen(z[Land], *wert);
-        // 11, 12: the parcel number and the key in NAS's form.
-        if (spalten[Fkz]) {
-            if (spalten[Flurstück])
-                Setzen(z[Flurstück], FlurstückAusKennzeichen(kennzeichen));
-            if (spalten[FkzOrig])
-                Setzen(z[FkzOrig], FkzOriginal(kennzeichen));
-        }
-        // 13 - 16
-        if (spalten[Fläche] && !z[Fläche].null)
-            Setzen(z[Fläche], FlächeFormat(z[Fläche].text));
-        if (name)
-            Setzen(z[Name], NameZusammensetzen(z[Nachname].text, z[Vorname].text));
-        if (spalten[Namenszusatz] && !IstBlank(z[Namenszusatz].text))
-            Setzen(z[Namenszusatz], NamenszusatzMitGeb(z[Namenszusatz].text));
-        if (straße)
-            Setzen(z[Straße], MitLeerzeichen(z[Strassenname].text, z[Hausnummer].text));
-        if (spalten[AntragsNr])
-            Setzen(z[AntragsNr], umgebung.antragsnummer);
-        if (ort)
-            Setzen(z[Ort], MitLeerzeichen(z[PLZ].text, z[Ort].text));
-        // 17, 18: shares.
-        if (spalten[AnteilGrund] && !z[AnteilGrund].null)
-            Setzen(z[AnteilGrund], AnteilGrundstück(z[AnteilGrund].text));
-        if (sondereigentum)
-            Setzen(z[AnteilSonder],
-                   AnteilSondereigentum(z[AnteilZähler].text, z[AnteilNenner].text));
-        // 19
-        if (ohnePrüfung && spalten[SonstigesBOV])
-            Setzen(z[SonstigesBOV], "... ohne Prüfung");
-        // 20: a parcel without label point gets the centre of its ring's box.
-        if (mitKoordinaten && IstBlank(z[Rechtswert].text)) {
-            umringLesen->Zurücksetzen();
-            umringLesen->Binde(zeile);
-            if (umringLesen->Schritt()) {
-                // Rings are joined with "|"; the box takes the points of all of them.
-                std::string umring(umringLesen->Text(0));
-                std::replace(umring.begin(), umring.end(), '|', ';');
-                if (const auto mitte = BoxMitte(umring)) {
-                    Setzen(z[Rechtswert], KoordinateText(mitte->x));
-                    Setzen(z[Hochwert], KoordinateText(mitte->y));
-                }
-            }
-            umringLesen->Zurücksetzen();
-        }
-        // 21
-        if (mitBezugssystem) {
-            if (spalten[MKZ])
-                Setzen(z[MKZ], bezugssystem.mkz);
-            if (spalten[EPSG])
-                Setzen(z[EPSG], bezugssystem.epsg);
-        }
-
-        if (!schreiben || std::none_of(geschrieben.begin(), geschrieben.end(),
-                                       [&z](Sp s) { return z[s].geändert; }))
-            continue;
-        schreiben->Zurücksetzen();
-        for (Sp s : geschrieben) {
-            if (z[s].null)
-                schreiben->Binde(nullptr);
-            else
-                schreiben->Binde(std::string_view(z[s].text));
-        }
-        schreiben->Binde(zeile);
-        schreiben->Schritt();
-        schreiben->Zurücksetzen();
+        NummerPositionUndGeburtsdatum(z, spalten, platz);
+        NutzungUndKlassifizierung(z, spalten, regeln);
+        BehördenNachSchlüssel(z, spalten, regeln, suche);
+        FlurstückUndFläche(z, spalten);
+        PersonAnschriftUndAnteile(z, spalten, regeln, umgebung.antragsnummer);
+        KoordinatenUndBezugssystem(z, spalten, regeln, zugriff, platz.zeile);
+        zugriff.Zurückschreiben(platz.zeile, z);
     }
     if (transaktion)
         transaktion->Bestätigen();

@@ -2,11 +2,11 @@
 
 #include "core/cp1252.hpp"
 #include "core/datei.hpp"
+#include "core/dateikopf.hpp"
 #include "core/datenbank.hpp"
 #include "core/einstellungen.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
-#include "import/textvorbereitung.hpp"
 #include "nas/knoten.hpp"
 #include "nas/konfig_suche.hpp"
 #include "nas/nas_protokoll.hpp"
@@ -165,184 +165,275 @@ bool NasPräfix(std::string_view kopf, std::string& präfix) {
     return false;
 }
 
+namespace {
+
+constexpr std::string_view Titel = "DAO_ALKISEinlesen";
+
+/// One scan of a NAS file into a new object database, in stages. A stage that fails writes its
+/// protocol lines and returns the failure; the scan shows it in one place (Gemeldet).
+class NasEinlesen {
+public:
+    NasEinlesen(const NasAuftrag& auftrag, NasStand& stand, Oberfläche& ui, NasProtokoll& protokoll)
+        : m_auftrag(auftrag), m_stand(stand), m_ui(ui), m_protokoll(protokoll) {}
+
+    Ergebnis Ausführen() {
+        using Stufe = Ergebnis (NasEinlesen::*)();
+        const std::pair<Stufe, std::string_view> vorbereitung[] = {
+            {&NasEinlesen::DateiPrüfen, ProduktTitel},
+            {&NasEinlesen::KopfPrüfen, Titel},
+            {&NasEinlesen::KnotenLaden, Titel},
+            {&NasEinlesen::DatenbankAnlegen, ProduktTitel},
+        };
+        for (const auto& [stufe, titel] : vorbereitung)
+            if (Ergebnis ergebnis = (this->*stufe)(); !ergebnis)
+                return Gemeldet(std::move(ergebnis), titel);
+        // What was read stays also after an error; the steps after the scan run on it.
+        Gemeldet(ObjekteEinlesen(), Titel);
+        SystemAusGeometrieNachtragen();
+        if (Ergebnis ergebnis = Anreichern(); !ergebnis)
+            return Gemeldet(std::move(ergebnis), Titel);
+        Abschließen();
+        return Ergebnis::Ok();
+    }
+
+private:
+    /// The one place where a failed stage is shown; a cancel is not.
+    Ergebnis Gemeldet(Ergebnis ergebnis, std::string_view titel) {
+        if (ergebnis.status() == Ergebnis::Status::Fehler)
+            m_ui.Meldung(ergebnis.Meldung(), titel, Stil::Fehler);
+        return ergebnis;
+    }
+
+    /// The file is there, not above 4 GiB, its head can be read, and a file above the old
+    /// database limit is read only when the user agrees.
+    Ergebnis DateiPrüfen() {
+        const auto& datei = m_auftrag.xmlDatei;
+        if (!std::filesystem::is_regular_file(datei))
+            return Ergebnis::Fehlschlag("Die Datei \"" + datei.string() + "\" ist nicht vorhanden!   ");
+        if (DateiZuGroß(datei))
+            return Ergebnis::Fehlschlag(std::string(MeldungAusgangsdateiZuGroß));
+        try {
+            m_kopf = KopfLesen(datei);
+        } catch (const Fehler& e) {
+            return Ergebnis::Fehlschlag(e.what());
+        }
+        m_größe = std::filesystem::file_size(datei);
+        if (m_größe > GroßeNasDatei) {
+            Fragestellung frage;
+            frage.titel = "NAS-Import";
+            frage.text = "Die Ausgangsdatei ist zu groß! Die entsprechende Datenbank wird die zulässige "
+                         "Datenbankgröße von 2.147.254.272 Bytes überschreiten. Soll trotzdem versucht "
+                         "werden, alle Daten einzulesen? Planen Sie dann bitte eine längere Wartezeit ein!";
+            if (m_ui.Frage(frage) != Antwort::Ja) {
+                m_protokoll.Eintrag(", Datei zu groß, Import abgebrochen...");
+                return Ergebnis::Abbruch();
+            }
+            m_stand.großeDatei = true;
+        }
+        return Ergebnis::Ok();
+    }
+
+    /// No document type declaration (it could define entities; NAS files never have one), and the
+    /// root element, whose prefix the element paths take.
+    Ergebnis KopfPrüfen() {
+        if (m_kopf.find("<!DOCTYPE") != std::string::npos ||
+            m_kopf.find("<!ENTITY") != std::string::npos) {
+            m_protokoll.Eintrag(", Import abgebrochen...");
+            return Ergebnis::Fehlschlag("Die Datei enthält eine DOCTYPE- oder ENTITY-Deklaration und "
+                                        "wird aus Sicherheitsgründen nicht eingelesen!   ");
+        }
+        if (!NasPräfix(m_kopf, m_präfix))
+            return Ergebnis::Fehlschlag("ERR: Knoten AX_Bestandsdatenauszug nicht vorhanden!\n" +
+                                        std::string(Abbruch));
+        return Ergebnis::Ok();
+    }
+
+    /// The node file with at least one class, each with at least one field; the member tag of the
+    /// file. Then the value tables and the coordinate notes of the head.
+    Ergebnis KnotenLaden() {
+        const auto knotenPfad = m_auftrag.konfigOrdner / "ALKIS_Knoten.dat";
+        if (!DateiVorhanden(knotenPfad))
+            return Ergebnis::Fehlschlag("ERR: Knotendatei " + knotenPfad.string() +
+                                        " nicht vorhanden!\n" + std::string(Abbruch));
+        try {
+            m_knoten = KnotenLesen(knotenPfad);
+        } catch (const Fehler& e) {
+            return Ergebnis::Fehlschlag(e.what());
+        }
+        if (auto tag = MitgliedTagWählen(m_knoten.mitgliedTags, m_kopf); !tag.empty())
+            m_stand.mitgliedTag = std::move(tag);
+        for (const auto& klasse : m_knoten.klassen)
+            if (klasse.felder.empty())
+                return Ergebnis::Fehlschlag("ERR: sVChild = 0!\n" + std::string(Abbruch));
+        if (m_knoten.klassen.empty())
+            return Ergebnis::Fehlschlag("ERR: sVKnoten = 0!\n" + std::string(Abbruch));
+        KopfAuswerten();
+        return Ergebnis::Ok();
+    }
+
+    void KopfAuswerten() {
+        m_werte = Werttabellen{KonfigText(m_auftrag.konfigOrdner / "ALKIS_Werteart.dat"),
+                               KonfigText(m_auftrag.konfigOrdner / "ALKIS_EPSG.dat")};
+        // The head's system decides the srsName columns of every feature.
+        for (auto zeile : Teilen(m_kopf.substr(0, m_kopf.find("<" + m_stand.mitgliedTag + ">")), '\n'))
+            m_notizen.Zeile(zeile);
+        m_einbyte = IstEinbytekodiert(m_kopf);
+        m_kopf.clear();
+        m_kopf.shrink_to_fit();
+    }
+
+    Ergebnis DatenbankAnlegen() {
+        try {
+            m_db = DAO_DatenbankAnlegen(m_auftrag.datenbank);
+            Transaktion transaktion(*m_db);
+            DAO_DatenbankAnlegenAusKnoten(*m_db, m_knoten,
+                                          [&](std::string_view text) { m_protokoll.Eintrag(text); });
+            transaktion.Bestätigen();
+        } catch (const Fehler& e) {
+            m_protokoll.Eintrag(std::string(", ") + e.what());
+            return Ergebnis::Fehlschlag("Datenbank konnte nicht erstellt werden!   ");
+        }
+        m_stand.standardSystem = m_notizen.Standard();
+        return Ergebnis::Ok();
+    }
+
+    /// The scan: each feature cut from the file goes through the element reader.
+    Ergebnis ObjekteEinlesen() {
+        try {
+            ObjektSchneider schneider(m_auftrag.xmlDatei, m_stand.mitgliedTag);
+            Dateirahmen rahmen{m_präfix, m_stand.mitgliedTag,
+                               XPfadPräfix(m_knoten.xmlBaum, m_stand.mitgliedTag, m_präfix),
+                               SrsWert(m_notizen.Standard(), m_werte.epsg)};
+            ElementLeser leser(*m_db, m_knoten, std::move(rahmen), [&](std::string_view text) {
+                m_ui.Meldung(text, "Fehler", Stil::Warnung);
+            });
+            auto transaktion = std::make_unique<Transaktion>(*m_db);
+            std::string_view objekt;
+            std::string umkodiert;
+            const auto zwischenzeile = [&](std::string_view zeile) { m_notizen.Zeile(zeile); };
+            while (schneider.Nächstes(objekt, zwischenzeile)) {
+                if (m_einbyte) {
+                    umkodiert = Cp1252NachUtf8(objekt);
+                    objekt = umkodiert;
+                }
+                m_notizen.Objekt(objekt);
+                const std::string_view klasse = leser.Objekt(objekt);
+                FortschrittZeigen(schneider.Position(), klasse, transaktion);
+                if (AbbruchBestätigt()) {
+                    m_protokoll.Eintrag(", Abbruch DAO_ALKISEinlesen");
+                    m_stand.abgebrochen = true;
+                    break;
+                }
+            }
+            transaktion->Bestätigen();
+            m_stand.statistik = leser.Statistik();
+            StatistikProtokollieren(m_stand.statistik, schneider, m_protokoll);
+        } catch (const Fehler& e) {
+            m_protokoll.Eintrag(std::string(", ") + e.what());
+            return Ergebnis::Fehlschlag(e.what());
+        }
+        return Ergebnis::Ok();
+    }
+
+    /// Status and progress at each new percent; at a full tenth (from KomprimierenAb on) what
+    /// was read is made safe and the file compacted.
+    void FortschrittZeigen(std::uint64_t position, std::string_view klasse,
+                           std::unique_ptr<Transaktion>& transaktion) {
+        const int prozent = m_größe ? static_cast<int>(position * 100 / m_größe) : 100;
+        if (prozent < m_marke)
+            return;
+        if (prozent / 10 > (m_marke - 1) / 10 && position >= KomprimierenAb) {
+            transaktion->Bestätigen();
+            transaktion.reset();
+            DatenbankKomprimieren(*m_db);
+            transaktion = std::make_unique<Transaktion>(*m_db);
+        }
+        m_marke = prozent + 1;
+        m_ui.Status(1, "Import: Abbruch mit [ESC], lese ALKIS-Objekte... " + std::to_string(prozent) +
+                           "% eingelesen, " + std::string(klasse));
+        m_ui.Fortschritt(prozent, 100);
+    }
+
+    /// Asks the UI port for a cancel every AbfrageAbstand (the first feature at once) and, when
+    /// asked for one, whether the user really wants it.
+    bool AbbruchBestätigt() {
+        const auto jetzt = std::chrono::steady_clock::now();
+        if (jetzt - m_letzteAbfrage < AbfrageAbstand)
+            return false;
+        m_letzteAbfrage = jetzt;
+        if (!m_ui.AbbruchGewünscht())
+            return false;
+        Fragestellung frage;
+        frage.titel = "Import";
+        frage.text = "Wollen Sie den Import wirklich abbrechen?   ";
+        frage.vorgabe = Antwort::Nein;
+        frage.unbeaufsichtigt = Antwort::Nein;
+        return m_ui.Frage(frage) == Antwort::Ja;
+    }
+
+    void SystemAusGeometrieNachtragen() {
+        m_stand.zweitesSystem = m_notizen.Zweites();
+        if (m_notizen.Standard().empty() && !m_notizen.Geometrie().empty()) {
+            // No reference system object in the file: the system its geometry names.
+            SrsWertNachtragen(*m_db, SrsWert(m_notizen.Geometrie(), m_werte.epsg));
+            m_stand.standardSystem = m_notizen.Geometrie();
+            m_protokoll.Eintrag(", Koordinatenreferenzsystem aus srsName der Geometrie: " +
+                                m_notizen.Geometrie());
+        }
+    }
+
+    /// The enrichment, the compaction and the list of tables.
+    Ergebnis Anreichern() {
+        try {
+            m_stand.antrag = NasAnreichern(*m_db, m_auftrag.xmlDatei, m_werte, m_ui);
+            m_protokoll.Eintrag(m_stand.antrag.AntragsText());
+            m_protokoll.Eintrag(m_stand.antrag.SystemText());
+            m_ui.Status(1, "XML-Datei geladen");
+            m_ui.Status(1, "Datenbank Reorganisation...");
+            DatenbankKomprimieren(*m_db);
+            DAO_FeldAnlegen(*m_db, "AP_PTO", "flstnr", TypText);
+            TabellenAuflisten(*m_db, m_stand);
+        } catch (const Fehler& e) {
+            m_protokoll.Eintrag(std::string(", ") + e.what());
+            return Ergebnis::Fehlschlag(e.what());
+        }
+        return Ergebnis::Ok();
+    }
+
+    void Abschließen() {
+        m_ui.Status(1, "ALKIS-Daten komplett eingelesen");
+        m_protokoll.Eintrag(", ALKIS importiert...");
+        if (!m_stand.zweitesSystem.empty())
+            m_ui.Meldung("Koordinatenreferenzsystem: " + m_stand.standardSystem +
+                             "\nKoordinatensystem lokal: " + m_stand.zweitesSystem +
+                             "In den XML-Daten sind mehrere Koordinatensysteme hinterlegt!   "
+                             "Beim Export nach Geograf oder DXF kann es zu Problemen kommen!   ",
+                         "Koordinatenreferenzsystemangaben", Stil::Information);
+    }
+
+    const NasAuftrag& m_auftrag;
+    NasStand& m_stand;
+    Oberfläche& m_ui;
+    NasProtokoll& m_protokoll;
+    std::string m_kopf;
+    std::uintmax_t m_größe = 0;
+    std::string m_präfix;
+    KnotenDatei m_knoten;
+    Werttabellen m_werte;
+    KoordinatenNotizen m_notizen;
+    bool m_einbyte = false;
+    std::unique_ptr<Datenbank> m_db;
+    int m_marke = 1;
+    // The first feature is followed by a poll at once; then every AbfrageAbstand.
+    std::chrono::steady_clock::time_point m_letzteAbfrage =
+        std::chrono::steady_clock::now() - AbfrageAbstand;
+};
+
+} // namespace
+
 Ergebnis DAO_ALKISEinlesen(const NasAuftrag& auftrag, NasStand& stand, Oberfläche& ui,
                            NasProtokoll& protokoll) {
-    constexpr std::string_view Titel = "DAO_ALKISEinlesen";
-    auto abbrechen = [&](std::string text, std::string_view titel) {
-        ui.Meldung(text, titel, Stil::Fehler);
-        return Ergebnis::Fehlschlag(std::move(text));
-    };
-    if (!std::filesystem::is_regular_file(auftrag.xmlDatei))
-        return abbrechen("Die Datei \"" + auftrag.xmlDatei.string() + "\" ist nicht vorhanden!   ",
-                         ProduktTitel);
-    if (import::DateiZuGroß(auftrag.xmlDatei))
-        return abbrechen(std::string(import::MeldungAusgangsdateiZuGroß), ProduktTitel);
-
-    std::string kopf;
-    try {
-        kopf = KopfLesen(auftrag.xmlDatei);
-    } catch (const Fehler& e) {
-        return abbrechen(e.what(), ProduktTitel);
-    }
-    const auto größe = std::filesystem::file_size(auftrag.xmlDatei);
-    if (größe > GroßeNasDatei) {
-        Fragestellung frage;
-        frage.titel = "NAS-Import";
-        frage.text = "Die Ausgangsdatei ist zu groß! Die entsprechende Datenbank wird die zulässige "
-                     "Datenbankgröße von 2.147.254.272 Bytes überschreiten. Soll trotzdem versucht "
-                     "werden, alle Daten einzulesen? Planen Sie dann bitte eine längere Wartezeit ein!";
-        if (ui.Frage(frage) != Antwort::Ja) {
-            protokoll.Eintrag(", Datei zu groß, Import abgebrochen...");
-            return Ergebnis::Abbruch();
-        }
-        stand.großeDatei = true;
-    }
-    // A document type declaration could define entities; NAS files never have one.
-    if (kopf.find("<!DOCTYPE") != std::string::npos || kopf.find("<!ENTITY") != std::string::npos) {
-        protokoll.Eintrag(", Import abgebrochen...");
-        return abbrechen("Die Datei enthält eine DOCTYPE- oder ENTITY-Deklaration und wird aus "
-                         "Sicherheitsgründen nicht eingelesen!   ",
-                         Titel);
-    }
-    std::string präfix;
-    if (!NasPräfix(kopf, präfix))
-        return abbrechen("ERR: Knoten AX_Bestandsdatenauszug nicht vorhanden!\n" + std::string(Abbruch),
-                         Titel);
-
-    const auto knotenPfad = auftrag.konfigOrdner / "ALKIS_Knoten.dat";
-    if (!DateiVorhanden(knotenPfad))
-        return abbrechen("ERR: Knotendatei " + knotenPfad.string() + " nicht vorhanden!\n" +
-                             std::string(Abbruch),
-                         Titel);
-    KnotenDatei knoten;
-    try {
-        knoten = KnotenLesen(knotenPfad);
-    } catch (const Fehler& e) {
-        return abbrechen(e.what(), Titel);
-    }
-    if (auto tag = MitgliedTagWählen(knoten.mitgliedTags, kopf); !tag.empty())
-        stand.mitgliedTag = std::move(tag);
-    for (const auto& klasse : knoten.klassen)
-        if (klasse.felder.empty())
-            return abbrechen("ERR: sVChild = 0!\n" + std::string(Abbruch), Titel);
-    if (knoten.klassen.empty())
-        return abbrechen("ERR: sVKnoten = 0!\n" + std::string(Abbruch), Titel);
-
-    const Werttabellen werte{KonfigText(auftrag.konfigOrdner / "ALKIS_Werteart.dat"),
-                             KonfigText(auftrag.konfigOrdner / "ALKIS_EPSG.dat")};
-    KoordinatenNotizen notizen;
-    // The head's system decides the srsName columns of every feature.
-    for (auto zeile : Teilen(kopf.substr(0, kopf.find("<" + stand.mitgliedTag + ">")), '\n'))
-        notizen.Zeile(zeile);
-    const bool einbyte = IstEinbytekodiert(kopf);
-    kopf.clear();
-    kopf.shrink_to_fit();
-
-    std::unique_ptr<Datenbank> db;
-    try {
-        db = DAO_DatenbankAnlegen(auftrag.datenbank);
-        Transaktion transaktion(*db);
-        DAO_CreateDB(*db, knoten, [&](std::string_view text) { protokoll.Eintrag(text); });
-        transaktion.Bestätigen();
-    } catch (const Fehler& e) {
-        protokoll.Eintrag(std::string(", ") + e.what());
-        ui.Meldung("Datenbank konnte nicht erstellt werden!   ", ProduktTitel, Stil::Fehler);
-        return Ergebnis::Fehlschlag("Datenbank konnte nicht erstellt werden!   ");
-    }
-
-    stand.standardSystem = notizen.Standard();
-    try {
-        ObjektSchneider schneider(auftrag.xmlDatei, stand.mitgliedTag);
-        Dateirahmen rahmen{präfix, stand.mitgliedTag,
-                           XPfadPräfix(knoten.xmlBaum, stand.mitgliedTag, präfix),
-                           SrsWert(notizen.Standard(), werte.epsg)};
-        ElementLeser leser(*db, knoten, std::move(rahmen), [&](std::string_view text) {
-            ui.Meldung(text, "Fehler", Stil::Warnung);
-        });
-        auto transaktion = std::make_unique<Transaktion>(*db);
-        int marke = 1;
-        // The first feature is followed by a poll at once; then every AbfrageAbstand.
-        auto letzteAbfrage = std::chrono::steady_clock::now() - AbfrageAbstand;
-        std::string_view objekt;
-        std::string umkodiert;
-        const auto zwischenzeile = [&](std::string_view zeile) { notizen.Zeile(zeile); };
-        while (schneider.Nächstes(objekt, zwischenzeile)) {
-            if (einbyte) {
-                umkodiert = Cp1252NachUtf8(objekt);
-                objekt = umkodiert;
-            }
-            notizen.Objekt(objekt);
-            const std::string_view klasse = leser.Objekt(objekt);
-
-            const int prozent = größe ? static_cast<int>(schneider.Position() * 100 / größe) : 100;
-            if (prozent >= marke) {
-                if (prozent / 10 > (marke - 1) / 10 && schneider.Position() >= KomprimierenAb) {
-                    // A full tenth: what was read is made safe and the file compacted.
-                    transaktion->Bestätigen();
-                    transaktion.reset();
-                    DatenbankKomprimieren(*db);
-                    transaktion = std::make_unique<Transaktion>(*db);
-                }
-                marke = prozent + 1;
-                ui.Status(1, "Import: Abbruch mit [ESC], lese ALKIS-Objekte... " + std::to_string(prozent) +
-                                 "% eingelesen, " + std::string(klasse));
-                ui.Fortschritt(prozent, 100);
-            }
-            if (const auto jetzt = std::chrono::steady_clock::now(); jetzt - letzteAbfrage >= AbfrageAbstand) {
-                letzteAbfrage = jetzt;
-                if (ui.AbbruchGewünscht()) {
-                    Fragestellung frage;
-                    frage.titel = "Import";
-                    frage.text = "Wollen Sie den Import wirklich abbrechen?   ";
-                    frage.vorgabe = Antwort::Nein;
-                    frage.unbeaufsichtigt = Antwort::Nein;
-                    if (ui.Frage(frage) == Antwort::Ja) {
-                        protokoll.Eintrag(", Abbruch DAO_ALKISEinlesen");
-                        stand.abgebrochen = true;
-                        break;
-                    }
-                }
-            }
-        }
-        transaktion->Bestätigen();
-        stand.statistik = leser.Statistik();
-        StatistikProtokollieren(stand.statistik, schneider, protokoll);
-    } catch (const Fehler& e) {
-        // What was read stays; the steps after the scan run on it.
-        protokoll.Eintrag(std::string(", ") + e.what());
-        ui.Meldung(e.what(), Titel, Stil::Fehler);
-    }
-    stand.zweitesSystem = notizen.Zweites();
-    if (notizen.Standard().empty() && !notizen.Geometrie().empty()) {
-        // No reference system object in the file: the system its geometry names.
-        SrsWertNachtragen(*db, SrsWert(notizen.Geometrie(), werte.epsg));
-        stand.standardSystem = notizen.Geometrie();
-        protokoll.Eintrag(", Koordinatenreferenzsystem aus srsName der Geometrie: " + notizen.Geometrie());
-    }
-
-    try {
-        stand.antrag = NasAnreichern(*db, auftrag.xmlDatei, werte, ui);
-        protokoll.Eintrag(stand.antrag.AntragsText());
-        protokoll.Eintrag(stand.antrag.SystemText());
-        ui.Status(1, "XML-Datei geladen");
-        ui.Status(1, "Datenbank Reorganisation...");
-        DatenbankKomprimieren(*db);
-        DAO_FeldAnlegen(*db, "AP_PTO", "flstnr", TypText);
-        TabellenAuflisten(*db, stand);
-    } catch (const Fehler& e) {
-        protokoll.Eintrag(std::string(", ") + e.what());
-        ui.Meldung(e.what(), Titel, Stil::Fehler);
-        return Ergebnis::Fehlschlag(e.what());
-    }
-    ui.Status(1, "ALKIS-Daten komplett eingelesen");
-    protokoll.Eintrag(", ALKIS importiert...");
-    if (!stand.zweitesSystem.empty())
-        ui.Meldung("Koordinatenreferenzsystem: " + stand.standardSystem + "\nKoordinatensystem lokal: " +
-                       stand.zweitesSystem +
-                       "In den XML-Daten sind mehrere Koordinatensysteme hinterlegt!   "
-                       "Beim Export nach Geograf oder DXF kann es zu Problemen kommen!   ",
-                   "Koordinatenreferenzsystemangaben", Stil::Information);
-    return Ergebnis::Ok();
+    return NasEinlesen(auftrag, stand, ui, protokoll).Ausführen();
 }
 
 } // namespace flurix::nas

@@ -100,7 +100,7 @@ bool DAO_IndexVorhanden(Datenbank& db, std::string_view tabelle, std::string_vie
     return vorhanden;
 }
 
-bool DAO_CreatedNewTable(Datenbank& db, std::string_view tabelle, std::string_view spalte, int typ) {
+bool DAO_TabelleNeuAnlegen(Datenbank& db, std::string_view tabelle, std::string_view spalte, int typ) {
     if (DAO_TabelleVorhanden(db, tabelle))
         return true;
     const std::string deklaration = typ == 4 ? "INTEGER" : "TEXT COLLATE NOCASE";
@@ -119,7 +119,7 @@ bool DAO_FeldAnlegen(Datenbank& db, std::string_view tabelle, std::string_view s
     });
 }
 
-bool DAO_FeldLoeschen(Datenbank& db, std::string_view tabelle, std::string_view spalte) {
+bool DAO_FeldLöschen(Datenbank& db, std::string_view tabelle, std::string_view spalte) {
     if (!DAO_FeldVorhanden(db, tabelle, spalte))
         return false;
     return Versuchen([&] {
@@ -147,14 +147,14 @@ bool DAO_FeldUmbenennen(Datenbank& db, std::string_view tabelle, std::string_vie
     });
 }
 
-bool DAO_TabelleLoeschen(Datenbank& db, std::string_view tabelle) {
+bool DAO_TabelleLöschen(Datenbank& db, std::string_view tabelle) {
     if (!DAO_TabelleVorhanden(db, tabelle))
         return false;
     return Versuchen([&] { db.AusführenNativ("DROP TABLE " + Bezeichner(tabelle)); });
 }
 
-bool DAO_CreateIndex(Datenbank& db, std::string_view tabelle, std::string_view spalte, bool primär,
-                     bool eindeutig, std::string_view name) {
+bool DAO_IndexAnlegen(Datenbank& db, std::string_view tabelle, std::string_view spalte, bool primär,
+                      bool eindeutig, std::string_view name) {
     const std::string index = name.empty() ? std::string(spalte) : std::string(name);
     const std::string felder[] = {std::string(spalte)};
     return Versuchen([&] { db.IndexAnlegen(index, tabelle, felder, primär || eindeutig); });
@@ -208,49 +208,56 @@ Anweisung* Suchwerte::Abfrage(std::string_view tabelle, std::string_view index,
 
 std::string Suchwerte::SuchWert(std::string_view schlüssel, std::string_view tabelle,
                                 std::string_view index, std::string_view spalte) {
+    return Wert(schlüssel, tabelle, index, spalte).value_or("-1");
+}
+
+std::optional<std::string> Suchwerte::Wert(std::string_view schlüssel, std::string_view tabelle,
+                                           std::string_view index, std::string_view spalte) {
     if (TrimmeLeerzeichen(schlüssel).empty())
-        return "-1";
+        return std::nullopt;
     Anweisung* abfrage = Abfrage(tabelle, index, spalte);
     if (!abfrage)
-        return "-1";
-    std::string wert = "-1";
+        return std::nullopt;
+    std::optional<std::string> wert;
     Versuchen([&] {
         abfrage->Zurücksetzen();
         abfrage->Binde(schlüssel);
         if (abfrage->Schritt())
-            wert = abfrage->Text(0);
+            wert.emplace(abfrage->Text(0));
     });
     abfrage->Zurücksetzen();
     return wert;
 }
 
-std::string Suchwerte::MehrfachWert(std::string_view tabelle, std::string_view index,
-                                    std::string_view schlüssel, std::string_view spalten) {
+std::vector<std::vector<std::string>> Suchwerte::Zeilen(std::string_view tabelle,
+                                                        std::string_view index,
+                                                        std::string_view schlüssel,
+                                                        std::string_view spalten) {
+    std::vector<std::vector<std::string>> zeilen;
     if (TrimmeLeerzeichen(schlüssel).empty())
-        return {};
+        return zeilen;
     Anweisung* abfrage = Abfrage(tabelle, index, spalten);
     if (!abfrage)
-        return {};
-    std::string ergebnis;
+        return zeilen;
     Versuchen([&] {
         abfrage->Zurücksetzen();
         abfrage->Binde(schlüssel);
-        bool ersteZeile = true;
         while (abfrage->Schritt()) {
-            if (!ersteZeile)
-                ergebnis += '}';
-            ersteZeile = false;
-            for (int i = 0; i < abfrage->Spaltenanzahl(); ++i) {
-                if (i > 0)
-                    ergebnis += '#';
-                for (char c : abfrage->Text(i))
-                    if (c != '#')
-                        ergebnis += c;
-            }
+            std::vector<std::string>& zeile = zeilen.emplace_back();
+            for (int i = 0; i < abfrage->Spaltenanzahl(); ++i)
+                zeile.emplace_back(abfrage->Text(i));
         }
     });
     abfrage->Zurücksetzen();
-    return ergebnis;
+    return zeilen;
+}
+
+std::vector<std::string> Suchwerte::Werte(std::string_view tabelle, std::string_view index,
+                                          std::string_view schlüssel, std::string_view spalte) {
+    std::vector<std::string> werte;
+    for (auto& zeile : Zeilen(tabelle, index, schlüssel, spalte))
+        werte.push_back(zeile.empty() ? std::string() : std::move(zeile.front()));
+    return werte;
 }
 
 std::string DAO_SuchWert(Datenbank& db, std::string_view schlüssel, std::string_view tabelle,
@@ -278,11 +285,11 @@ bool DAO_DatenbankKomprimieren(const std::filesystem::path& pfad) {
     }
 }
 
-void DAO_CreateDB(Datenbank& db, const KnotenDatei& knoten,
-                  const std::function<void(std::string_view)>& log) {
+void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
+                                   const std::function<void(std::string_view)>& log) {
     auto tabelleAnlegen = [&](const std::string& tabelle, bool eindeutig) {
         db.AusführenNativ("CREATE TABLE " + Bezeichner(tabelle) + " (\"id\" TEXT COLLATE NOCASE)");
-        if (!DAO_CreateIndex(db, tabelle, "id", eindeutig, eindeutig))
+        if (!DAO_IndexAnlegen(db, tabelle, "id", eindeutig, eindeutig))
             log(", DAO_CreateIndex: " + tabelle + " Indexfehler...");
     };
     for (const auto& klasse : knoten.klassen) {

@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,22 +40,22 @@ std::unique_ptr<Datenbank> DAO_DatenbankÖffnen(const std::filesystem::path& pfa
 
 bool DAO_TabelleVorhanden(Datenbank& db, std::string_view tabelle);
 bool DAO_FeldVorhanden(Datenbank& db, std::string_view tabelle, std::string_view spalte);
-/// An index made by DAO_CreateIndex (name as given there, or the column's name).
+/// An index made by DAO_IndexAnlegen (name as given there, or the column's name).
 bool DAO_IndexVorhanden(Datenbank& db, std::string_view tabelle, std::string_view index);
 /// Creates the table with one column of type 4 (whole number), 8 (date) or 10 (text); nothing
 /// when it exists. True when it exists afterwards.
-bool DAO_CreatedNewTable(Datenbank& db, std::string_view tabelle, std::string_view spalte, int typ);
+bool DAO_TabelleNeuAnlegen(Datenbank& db, std::string_view tabelle, std::string_view spalte, int typ);
 /// Adds a column of a node-file type (size 0 is the default 255). False when it can't be added;
 /// an existing column is no error.
 bool DAO_FeldAnlegen(Datenbank& db, std::string_view tabelle, std::string_view spalte, int typ);
-bool DAO_FeldLoeschen(Datenbank& db, std::string_view tabelle, std::string_view spalte);
+bool DAO_FeldLöschen(Datenbank& db, std::string_view tabelle, std::string_view spalte);
 bool DAO_FeldUmbenennen(Datenbank& db, std::string_view tabelle, std::string_view alt,
                         std::string_view neu);
-bool DAO_TabelleLoeschen(Datenbank& db, std::string_view tabelle);
+bool DAO_TabelleLöschen(Datenbank& db, std::string_view tabelle);
 /// Creates an index on one column; the index's name is the column's when `name` is empty.
 /// `primär` makes it unique as well.
-bool DAO_CreateIndex(Datenbank& db, std::string_view tabelle, std::string_view spalte, bool primär,
-                     bool eindeutig, std::string_view name = {});
+bool DAO_IndexAnlegen(Datenbank& db, std::string_view tabelle, std::string_view spalte, bool primär,
+                      bool eindeutig, std::string_view name = {});
 
 /// The tables of the database in the order they were made, without SQLite's own.
 std::vector<std::string> DAO_Tabellen(Datenbank& db);
@@ -74,11 +75,19 @@ public:
     /// A blank key, no match, a missing table or column: "-1".
     std::string SuchWert(std::string_view schlüssel, std::string_view tabelle,
                          std::string_view index, std::string_view spalte);
-    /// All rows of `tabelle` whose `index` column equals the key, in the order of the index:
-    /// `spalten` is one column or several joined with "#"; a row gives its values without any "#"
-    /// in them, joined with "#"; rows are joined with "}". A blank key or no match gives "".
-    std::string MehrfachWert(std::string_view tabelle, std::string_view index,
-                             std::string_view schlüssel, std::string_view spalten);
+    /// The value of `spalte` in the first row of `tabelle` whose `index` column equals the key;
+    /// nullopt for a blank key, no match, a missing table or column.
+    std::optional<std::string> Wert(std::string_view schlüssel, std::string_view tabelle,
+                                    std::string_view index, std::string_view spalte);
+    /// All rows of `tabelle` whose `index` column equals the key, in the order of the index, each
+    /// with the values of `spalten` (one column or several joined with "#") as they are stored.
+    /// A blank key, no match, a missing table or column: no rows.
+    std::vector<std::vector<std::string>> Zeilen(std::string_view tabelle, std::string_view index,
+                                                 std::string_view schlüssel,
+                                                 std::string_view spalten);
+    /// The values of the one column `spalte` of those rows.
+    std::vector<std::string> Werte(std::string_view tabelle, std::string_view index,
+                                   std::string_view schlüssel, std::string_view spalte);
 
     /// Forgets the prepared statements (after the schema changed).
     void Vergessen();
@@ -106,7 +115,7 @@ bool DAO_DatenbankKomprimieren(const std::filesystem::path& pfad);
 /// ("id" with a plain index, and the target column). Messages go through the protocol `log`
 /// (", DAO_CreatedNewTable: <table> Tabelle schon vorhanden..." for a repeated class). Throws
 /// Fehler when the database can't be written.
-void DAO_CreateDB(Datenbank& db, const KnotenDatei& knoten,
-                  const std::function<void(std::string_view)>& log);
+void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
+                                   const std::function<void(std::string_view)>& log);
 
 } // namespace flurix::nas

@@ -1,7 +1,6 @@
 #include "nas/reorganisation.hpp"
 
 #include "core/datenbank.hpp"
-#include "core/einstellungen.hpp"
 #include "core/fehler.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
@@ -13,6 +12,7 @@
 #include "nas/objektdatenbank.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <set>
 #include <unordered_map>
@@ -22,26 +22,33 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::array<std::string_view, BezugAnzahl> HinweisTexte = {
-    " \"AX_Anschrift\"  ohne Bezug...",
-    " \"AX_Buchungsblatt\"  ohne Bezug...",
-    " \"AX_Buchungsblattbezirk\"  ohne Bezug...",
-    " \"AX_Dienststelle\" ohne Bezug...",
-    " \"AX_Gemarkung\" ohne Bezug...",
-    " \"AX_Gemeinde\" ohne Bezug...",
-    " \"AX_LagebezeichnungMitHausnummer\" ohne Bezug...",
-    " \"AX_LagebezeichnungOhneHausnummer\" ohne Bezug...",
-    " \"AX_Namensnummer\" ohne Bezug...",
-    " \"AX_NamensnummerId\" ohne Bezug...",
-    " \"AX_NamensnummerPerson\" ohne Bezug...",
-    " \"AX_Person\" ohne Bezug...",
-    " \"AX_PersonAnschrift\" ohne Bezug...",
-    " \"LagebezeichnungAusMitHsnr\" ohne Bezug...",
-    " \"LagebezeichnungAusOhneHsnr\" ohne Bezug...",
-    " \"id_AX_Buchungsblatt\" ohne Bezug...",
-    " \"position_AP_PTO\" ohne Bezug...",
-    " \"AX_Flurstueck\" ohne AX_Namensnummer...",
-};
+/// The hint text of each kind of missing reference; a switch over the enum, so that a new kind
+/// can't be left without its text (-Wswitch).
+std::string_view HinweisText(Bezug bezug) {
+    switch (bezug) {
+    case Bezug::Anschrift: return " \"AX_Anschrift\"  ohne Bezug...";
+    case Bezug::Buchungsblatt: return " \"AX_Buchungsblatt\"  ohne Bezug...";
+    case Bezug::Buchungsblattbezirk: return " \"AX_Buchungsblattbezirk\"  ohne Bezug...";
+    case Bezug::Dienststelle: return " \"AX_Dienststelle\" ohne Bezug...";
+    case Bezug::Gemarkung: return " \"AX_Gemarkung\" ohne Bezug...";
+    case Bezug::Gemeinde: return " \"AX_Gemeinde\" ohne Bezug...";
+    case Bezug::LageMitHausnummer: return " \"AX_LagebezeichnungMitHausnummer\" ohne Bezug...";
+    case Bezug::LageOhneHausnummer: return " \"AX_LagebezeichnungOhneHausnummer\" ohne Bezug...";
+    case Bezug::Namensnummer: return " \"AX_Namensnummer\" ohne Bezug...";
+    case Bezug::NamensnummerId: return " \"AX_NamensnummerId\" ohne Bezug...";
+    case Bezug::NamensnummerPerson: return " \"AX_NamensnummerPerson\" ohne Bezug...";
+    case Bezug::Person: return " \"AX_Person\" ohne Bezug...";
+    case Bezug::PersonAnschrift: return " \"AX_PersonAnschrift\" ohne Bezug...";
+    case Bezug::LageAusMitHausnummer: return " \"LagebezeichnungAusMitHsnr\" ohne Bezug...";
+    case Bezug::LageAusOhneHausnummer: return " \"LagebezeichnungAusOhneHsnr\" ohne Bezug...";
+    case Bezug::IdBuchungsblatt: return " \"id_AX_Buchungsblatt\" ohne Bezug...";
+    case Bezug::PositionApPto: return " \"position_AP_PTO\" ohne Bezug...";
+    case Bezug::FlurstückOhneNamensnummer: return " \"AX_Flurstueck\" ohne AX_Namensnummer...";
+    }
+    return {};
+}
+static_assert(static_cast<std::size_t>(Bezug::FlurstückOhneNamensnummer) + 1 == BezugAnzahl,
+              "BezugAnzahl counts the kinds of Bezug");
 
 // The relations the joins follow.
 constexpr std::string_view Gebucht = "AX_Flurstueck_istGebucht#AX_Buchungsstelle";
@@ -77,6 +84,28 @@ constexpr std::array<Suchindex, 9> Indizes = {{
 }};
 
 std::string OhneBlanks(std::string_view text) { return Ersetzen(text, " ", ""); }
+
+/// The values of several rows in one cell, joined with "}" as the table shows them.
+std::string Verbunden(const std::vector<std::string>& werte) {
+    std::string text;
+    for (std::size_t i = 0; i < werte.size(); ++i)
+        text.append(i == 0 ? "" : "}").append(werte[i]);
+    return text;
+}
+
+/// Several rows for a key that should be unique: the cells have always taken the rows run
+/// together, the last value of a row and the first of the next in one cell joined with "}".
+std::vector<std::string> ZeilenAneinander(const std::vector<std::vector<std::string>>& zeilen) {
+    std::vector<std::string> werte;
+    for (const auto& zeile : zeilen)
+        for (std::size_t i = 0; i < zeile.size(); ++i) {
+            if (i == 0 && !werte.empty())
+                werte.back().append("}").append(zeile[i]);
+            else
+                werte.push_back(zeile[i]);
+        }
+    return werte;
+}
 
 bool BeginntMitZiffer(std::string_view text) {
     return !text.empty() && text.front() >= '0' && text.front() <= '9';
@@ -143,10 +172,27 @@ private:
                              " " + std::string(was));
     }
     std::vector<AlkisZeile> Buchungen(const AlkisZeile& basis, Reorganisationsbericht& bericht);
+    std::vector<AlkisZeile> AnBuchungen(const AlkisZeile& basis, const std::string& gebucht);
+    AlkisZeile BuchungsZeile(const AlkisZeile& basis, std::string_view buchung);
+    /// The targets of a relation for the key; a single empty target is none, as the joins have
+    /// always taken it.
+    std::vector<std::string> Verweise(std::string_view relation, std::string_view index,
+                                      std::string_view schlüssel, std::string_view ziel) {
+        std::vector<std::string> ziele = m_suche.Werte(relation, index, schlüssel, ziel);
+        if (ziele.size() == 1 && ziele.front().empty())
+            ziele.clear();
+        return ziele;
+    }
+    /// A reference that leads nowhere: a line in the protocol file, and the count of its kind.
+    void OhneBezug(Reorganisationsbericht& bericht, std::string_view tabelle,
+                   std::string_view schlüssel, Bezug bezug) {
+        Notiz(tabelle, schlüssel, "ohne Bezug...");
+        bericht.Zählen(bezug);
+    }
     Flurstücksbezug FlurstückBezüge(const AlkisZeile& basis);
     void Lage(AlkisZeile& träger, Flurstücksbezug& bezug, std::string_view relation,
               std::string_view tabelle, bool mitHausnummer, std::vector<Lageeintrag>& einträge);
-    void Buchungsblatt(AlkisZeile& zeile, Reorganisationsbericht& bericht);
+    std::vector<std::string> Buchungsblatt(AlkisZeile& zeile, Reorganisationsbericht& bericht);
     void Eigentümer(AlkisZeile& zeile, Reorganisationsbericht& bericht);
 
     Suchwerte m_suche;
@@ -161,67 +207,79 @@ private:
 bool Reorganisation::Attribute(AlkisZeile& zeile, std::string_view tabelle,
                                std::string_view index, std::string_view schlüssel,
                                bool nurErster) {
-    std::string wert = m_suche.MehrfachWert(tabelle, index, schlüssel, m_attributListe.at(tabelle));
-    if (wert.empty())
+    const auto zeilen = m_suche.Zeilen(tabelle, index, schlüssel, m_attributListe.at(tabelle));
+    if (zeilen.empty())
         return false;
-    if (nurErster) {
-        if (const auto klammer = wert.find('}'); klammer != std::string::npos) {
+    std::vector<std::string> werte = zeilen.front();
+    if (zeilen.size() > 1) {
+        if (nurErster)
             Notiz(tabelle, schlüssel, "mehrere Schlüssel...");
-            wert.resize(klammer);
-        }
+        else
+            werte = ZeilenAneinander(zeilen);
     }
     const auto& spalten = m_attributSpalten.at(tabelle);
-    const auto werte = Teilen(wert, '#');
     for (std::size_t i = 0; i < std::min(werte.size(), spalten.size()); ++i)
-        zeile.Setzen(spalten[i], std::string(werte[i]));
+        zeile.Setzen(spalten[i], werte[i]);
     if (werte.size() > spalten.size())
         Notiz(tabelle, schlüssel, "Index außerhalb des gültigen Bereichs...");
     return true;
 }
 
-// The bookings of the parcel: its own, and those attached "an" it. One attached booking gives
-// two rows (its own and the attached one); two or more give a row for each attached booking,
-// the last first, and none for its own, as the register has always shown them. Then each booking
-// that lies "zu" the parcel's own booking (the share of a served parcel that belongs to another
-// property) gives a row: its owners are owners of this parcel too.
+// The bookings of the parcel: its own, and those attached "an" it (AnBuchungen). Then each
+// booking that lies "zu" the parcel's own booking (the share of a served parcel that belongs to
+// another property) gives a row: its owners are owners of this parcel too.
 std::vector<AlkisZeile> Reorganisation::Buchungen(const AlkisZeile& basis,
                                                   Reorganisationsbericht& bericht) {
     const std::string gebucht =
-        m_suche.MehrfachWert(Gebucht, "id", basis.Text("id"), "AX_Buchungsstelle");
-    std::vector<AlkisZeile> zeilen;
-    std::string liste;
-    std::size_t c = 0;
-    do {
-        AlkisZeile zeile = basis;
-        zeile.Setzen(I("id_AX_Buchungsstelle"), gebucht);
-        if (c > 0) {
-            zeile.Setzen(I("id_AX_Buchungsstelle"), TokenNr(liste, static_cast<int>(c), ";"));
-            --c;
-        } else {
-            liste = Ersetzen(m_suche.MehrfachWert(An, "ori_Buchungsstelle", gebucht, "id"), "}", ";");
-            if (!liste.empty()) {
-                zeile.Setzen(I("id_an_AX_Buchungsstelle"), liste);
-                c = static_cast<std::size_t>(std::count(liste.begin(), liste.end(), ';'));
-                if (c > 0)
-                    zeile.Setzen(I("id_AX_Buchungsstelle"), TokenNr(liste, static_cast<int>(c) + 1, ";"));
-                else
-                    c = 1;
-            }
-        }
-        Attribute(zeile, "AX_Buchungsstelle", "id", zeile.Text("id_AX_Buchungsstelle"), false);
-        zeilen.push_back(std::move(zeile));
-    } while (c > 0);
+        Verbunden(Verweise(Gebucht, "id", basis.Text("id"), "AX_Buchungsstelle"));
+    std::vector<AlkisZeile> zeilen = AnBuchungen(basis, gebucht);
     if (gebucht.empty())
         return zeilen;
-    const std::string zuListe = m_suche.MehrfachWert(Zu, "ori_Buchungsstelle", gebucht, "id");
-    for (std::string_view zu : Teilen(zuListe, '}')) {
+    for (const std::string& zu : Verweise(Zu, "ori_Buchungsstelle", gebucht, "id")) {
         if (zu.empty())
             continue;
-        AlkisZeile zeile = basis;
-        zeile.Setzen(I("id_AX_Buchungsstelle"), std::string(zu));
-        Attribute(zeile, "AX_Buchungsstelle", "id", zu, false);
-        zeilen.push_back(std::move(zeile));
+        zeilen.push_back(BuchungsZeile(basis, zu));
         ++bericht.zuBuchungen;
+    }
+    return zeilen;
+}
+
+AlkisZeile Reorganisation::BuchungsZeile(const AlkisZeile& basis, std::string_view buchung) {
+    AlkisZeile zeile = basis;
+    zeile.Setzen(I("id_AX_Buchungsstelle"), std::string(buchung));
+    Attribute(zeile, "AX_Buchungsstelle", "id", buchung, false);
+    return zeile;
+}
+
+// The parcel's own booking and those attached "an" it, as the register has always shown them:
+// none attached gives the own booking; one gives two rows, the own booking (naming the attached
+// one) and the attached; two or more give a row for each attached booking only, the last first,
+// and the first of them names all attached bookings, joined with ";".
+std::vector<AlkisZeile> Reorganisation::AnBuchungen(const AlkisZeile& basis,
+                                                    const std::string& gebucht) {
+    const std::vector<std::string> an = Verweise(An, "ori_Buchungsstelle", gebucht, "id");
+    std::vector<AlkisZeile> zeilen;
+    if (an.empty()) {
+        zeilen.push_back(BuchungsZeile(basis, gebucht));
+    } else if (an.size() == 1) {
+        AlkisZeile eigene = basis;
+        eigene.Setzen(I("id_an_AX_Buchungsstelle"), an.front());
+        eigene.Setzen(I("id_AX_Buchungsstelle"), gebucht);
+        Attribute(eigene, "AX_Buchungsstelle", "id", gebucht, false);
+        zeilen.push_back(std::move(eigene));
+        zeilen.push_back(BuchungsZeile(basis, an.front()));
+    } else {
+        std::string liste;
+        for (const std::string& id : an)
+            liste.append(liste.empty() ? "" : ";").append(id);
+        for (auto it = an.rbegin(); it != an.rend(); ++it) {
+            AlkisZeile zeile = basis;
+            if (it == an.rbegin())
+                zeile.Setzen(I("id_an_AX_Buchungsstelle"), liste);
+            zeile.Setzen(I("id_AX_Buchungsstelle"), *it);
+            Attribute(zeile, "AX_Buchungsstelle", "id", *it, false);
+            zeilen.push_back(std::move(zeile));
+        }
     }
     return zeilen;
 }
@@ -231,11 +289,11 @@ void Reorganisation::Lage(AlkisZeile& träger, Flurstücksbezug& bezug, std::str
                           std::vector<Lageeintrag>& einträge) {
     const std::string ziel = mitHausnummer ? "ori_LagebezeichnungMitHausnummer"
                                            : "ori_LagebezeichnungOhneHausnummer";
-    const std::string ids = m_suche.MehrfachWert(relation, "id", träger.Text("id"), ziel);
+    const std::vector<std::string> ids = Verweise(relation, "id", träger.Text("id"), ziel);
     const std::string idSpalte = "id_" + std::string(tabelle);
     if (ids.empty())
         return;
-    bezug.werte.emplace_back(m_spalten.Index(idSpalte), ids);
+    bezug.werte.emplace_back(m_spalten.Index(idSpalte), Verbunden(ids));
     // The street key of a keyed location stands in its own element; `lage` holds it only in
     // some Länder's files.
     std::string felder = mitHausnummer ? "id#lagebezeichnung#lage#hausnummer"
@@ -248,20 +306,20 @@ void Reorganisation::Lage(AlkisZeile& träger, Flurstücksbezug& bezug, std::str
     std::string lagen;
     std::string bezeichnungen;
     std::string hausnummern;
-    // The relation holds one reference or several joined with ";" (and "}" for several rows).
-    const std::string idListe = Ersetzen(ids, "}", ";");
-    for (std::string_view id : Teilen(idListe, ';')) {
-        id = TrimmeLeerzeichen(id);
-        if (id.empty())
-            continue;
-        const std::string wert = m_suche.MehrfachWert(tabelle, "id", id, felder);
-        if (wert.empty()) {
+    // Each row of the relation holds one reference or several joined with ";".
+    std::vector<std::string_view> verweise;
+    for (const std::string& verweis : ids)
+        for (std::string_view id : Teilen(verweis, ';'))
+            if (id = TrimmeLeerzeichen(id); !id.empty())
+                verweise.push_back(id);
+    for (std::string_view id : verweise) {
+        const auto zeilen = m_suche.Zeilen(tabelle, "id", id, felder);
+        if (zeilen.empty()) {
             bezug.fehlend.push_back(ohneBezug);
             Notiz(tabelle, id, "ohne Bezug...");
             continue;
         }
-        const std::string ersteZeile = wert.substr(0, wert.find('}'));
-        const auto teile = Teilen(ersteZeile, '#');
+        const std::vector<std::string>& teile = zeilen.front();
         auto teil = [&teile](std::size_t i) {
             return i < teile.size() ? std::string(TrimmeLeerzeichen(teile[i])) : std::string();
         };
@@ -282,13 +340,13 @@ void Reorganisation::Lage(AlkisZeile& träger, Flurstücksbezug& bezug, std::str
         if (BeginntMitZiffer(bezeichnung)) {
             // A key of the street catalogue: the street's name stands there.
             eintrag.schlüssel = std::string(Utf8Anfang(lage, 5));
-            const std::string text = m_suche.SuchWert(bezeichnung, "AX_LagebezeichnungKatalogeintrag",
-                                                      "schluessel", "bezeichnung");
-            if (text == "-1") {
+            const auto text = m_suche.Wert(bezeichnung, "AX_LagebezeichnungKatalogeintrag",
+                                           "schluessel", "bezeichnung");
+            if (!text) {
                 bezug.fehlend.push_back(ohneText);
                 Notiz("AX_LagebezeichnungKatalogeintrag", bezeichnung, "ohne Bezug...");
             } else {
-                eintrag.text = text;
+                eintrag.text = *text;
             }
         }
         einträge.push_back(std::move(eintrag));
@@ -321,15 +379,17 @@ Flurstücksbezug Reorganisation::FlurstückBezüge(const AlkisZeile& basis) {
         bezug.fehlend.push_back(Bezug::Gemarkung);
 
     // The label point of the parcel gives its coordinates.
-    const std::string pto =
-        TokenNr(m_suche.MehrfachWert(Darstellung, "AX_Flurstueck", träger.Text("id"), "id"), 1, "}");
-    const std::string position = pto.empty() ? "-1" : m_suche.SuchWert(pto, "AP_PTO", "id", "position");
+    const std::vector<std::string> ptos =
+        Verweise(Darstellung, "AX_Flurstueck", träger.Text("id"), "id");
+    const std::string pto = ptos.empty() ? std::string() : ptos.front();
+    const std::optional<std::string> position =
+        pto.empty() ? std::nullopt : m_suche.Wert(pto, "AP_PTO", "id", "position");
     if (!pto.empty())
         bezug.werte.emplace_back(m_spalten.Index("id_AP_PTO"), pto);
-    const std::string punkt = TextSäubern(position == "-1" ? std::string() : position);
+    const std::string punkt = TextSäubern(position.value_or(std::string()));
     const auto worte = Teilen(punkt, ' ');
     if (worte.size() >= 2 && !worte[0].empty()) {
-        bezug.werte.emplace_back(m_spalten.Index("position_AP_PTO"), position);
+        bezug.werte.emplace_back(m_spalten.Index("position_AP_PTO"), *position);
         bezug.werte.emplace_back(m_spalten.Index("Rechtswert"), std::string(worte[0]));
         bezug.werte.emplace_back(m_spalten.Index("Hochwert"), std::string(worte[1]));
     } else {
@@ -347,10 +407,10 @@ Flurstücksbezug Reorganisation::FlurstückBezüge(const AlkisZeile& basis) {
                                          : std::string();
     bool gefunden = Attribute(träger, "AX_Dienststelle", "schluesselGesamt", dienststelle, true);
     if (!gefunden) {
-        const std::string amt = m_suche.SuchWert(träger.Text("id_AX_Gemarkung"), Amtsbezirk, "id",
-                                                 "istAmtsbezirkVon");
-        gefunden = amt != "-1" &&
-                   Attribute(träger, "AX_Dienststelle", "schluesselGesamt", OhneBlanks(amt), true);
+        const auto amt =
+            m_suche.Wert(träger.Text("id_AX_Gemarkung"), Amtsbezirk, "id", "istAmtsbezirkVon");
+        gefunden =
+            amt && Attribute(träger, "AX_Dienststelle", "schluesselGesamt", OhneBlanks(*amt), true);
     }
     if (gefunden)
         übernehmen("AX_Dienststelle");
@@ -367,37 +427,35 @@ Flurstücksbezug Reorganisation::FlurstückBezüge(const AlkisZeile& basis) {
     return bezug;
 }
 
-void Reorganisation::Buchungsblatt(AlkisZeile& zeile, Reorganisationsbericht& bericht) {
+// The sheet of the booking, its district and its name numbers; gives the name numbers (none
+// when the sheet has no owners).
+std::vector<std::string> Reorganisation::Buchungsblatt(AlkisZeile& zeile,
+                                                       Reorganisationsbericht& bericht) {
     const std::string stelle(zeile.Text("id_AX_Buchungsstelle"));
-    const std::string blatt = m_suche.MehrfachWert(BlattVon, "id", stelle, "AX_Buchungsblatt");
+    const std::vector<std::string> blätter = Verweise(BlattVon, "id", stelle, "AX_Buchungsblatt");
+    const std::string blatt = Verbunden(blätter);
     zeile.Setzen(I("id_AX_Buchungsblatt"), blatt);
-    if (blatt.find('}') != std::string::npos) {
+    if (blätter.size() > 1)
         Notiz("id_AX_Buchungsblatt", stelle, "Mehrfachbuchung...");
-    } else if (blatt.empty()) {
-        Notiz("id_AX_Buchungsblatt", stelle, "ohne Bezug...");
-        bericht.Zählen(Bezug::IdBuchungsblatt);
-    }
-    if (!Attribute(zeile, "AX_Buchungsblatt", "id", blatt, false)) {
-        Notiz("AX_Buchungsblatt", blatt, "ohne Bezug...");
-        bericht.Zählen(Bezug::Buchungsblatt);
-    }
-    if (const auto& bezirk = zeile.Wert(I("buchungsblattbezirk_AX_Buchungsblatt"))) {
-        if (!Attribute(zeile, "AX_Buchungsblattbezirk", "schluessel", *bezirk, true)) {
-            Notiz("AX_Buchungsblattbezirk", *bezirk, "ohne Bezug...");
-            bericht.Zählen(Bezug::Buchungsblattbezirk);
-        }
-    }
+    else if (blatt.empty())
+        OhneBezug(bericht, "id_AX_Buchungsblatt", stelle, Bezug::IdBuchungsblatt);
+    if (!Attribute(zeile, "AX_Buchungsblatt", "id", blatt, false))
+        OhneBezug(bericht, "AX_Buchungsblatt", blatt, Bezug::Buchungsblatt);
+    if (const auto& bezirk = zeile.Wert(I("buchungsblattbezirk_AX_Buchungsblatt")))
+        if (!Attribute(zeile, "AX_Buchungsblattbezirk", "schluessel", *bezirk, true))
+            OhneBezug(bericht, "AX_Buchungsblattbezirk", *bezirk, Bezug::Buchungsblattbezirk);
     zeile.Setzen(I("AnzZeilen_AX_Namensnummer"), "0001");
-    const std::string namensnummern =
-        m_suche.MehrfachWert(NamensnummernVon, "AX_Buchungsblatt", zeile.Text("id_AX_Buchungsblatt"), "id");
+    std::vector<std::string> namensnummern = Verweise(
+        NamensnummernVon, "AX_Buchungsblatt", zeile.Text("id_AX_Buchungsblatt"), "id");
     if (namensnummern.empty()) {
-        Notiz("AX_Namensnummer", zeile.Text("id_AX_Buchungsblatt"), "ohne Bezug...");
-        bericht.Zählen(Bezug::FlurstückOhneNamensnummer);
-        return;
+        OhneBezug(bericht, "AX_Namensnummer", zeile.Text("id_AX_Buchungsblatt"),
+                  Bezug::FlurstückOhneNamensnummer);
+        return namensnummern;
     }
-    zeile.Setzen(I("id_AX_Namensnummer"), namensnummern);
+    zeile.Setzen(I("id_AX_Namensnummer"), Verbunden(namensnummern));
     zeile.Setzen(I("AnzZeilen_AX_Namensnummer"),
-                 MitNullen(std::count(namensnummern.begin(), namensnummern.end(), '}') + 1, 4));
+                 MitNullen(static_cast<std::int64_t>(namensnummern.size()), 4));
+    return namensnummern;
 }
 
 void Reorganisation::Eigentümer(AlkisZeile& zeile, Reorganisationsbericht& bericht) {
@@ -406,32 +464,24 @@ void Reorganisation::Eigentümer(AlkisZeile& zeile, Reorganisationsbericht& beri
         bericht.Zählen(Bezug::NamensnummerId);
         return;
     }
-    if (!Attribute(zeile, "AX_Namensnummer", "id", namensnummer, false)) {
-        Notiz("AX_Namensnummer", namensnummer, "ohne Bezug...");
-        bericht.Zählen(Bezug::Namensnummer);
-    }
-    const std::string person = m_suche.MehrfachWert(Benennt, "id", namensnummer, "AX_Person");
+    if (!Attribute(zeile, "AX_Namensnummer", "id", namensnummer, false))
+        OhneBezug(bericht, "AX_Namensnummer", namensnummer, Bezug::Namensnummer);
+    const std::string person = Verbunden(Verweise(Benennt, "id", namensnummer, "AX_Person"));
     if (person.empty()) {
-        Notiz("AX_NamensnummerPerson", namensnummer, "ohne Bezug...");
-        bericht.Zählen(Bezug::NamensnummerPerson);
+        OhneBezug(bericht, "AX_NamensnummerPerson", namensnummer, Bezug::NamensnummerPerson);
         return;
     }
     zeile.Setzen(I("id_AX_Person"), person);
-    if (!Attribute(zeile, "AX_Person", "id", person, false)) {
-        Notiz("AX_Person", person, "ohne Bezug...");
-        bericht.Zählen(Bezug::Person);
-    }
-    const std::string anschrift = m_suche.MehrfachWert(Hat, "id", person, "AX_Anschrift");
+    if (!Attribute(zeile, "AX_Person", "id", person, false))
+        OhneBezug(bericht, "AX_Person", person, Bezug::Person);
+    const std::string anschrift = Verbunden(Verweise(Hat, "id", person, "AX_Anschrift"));
     if (anschrift.empty()) {
-        Notiz("AX_PersonAnschrift", person, "ohne Bezug...");
-        bericht.Zählen(Bezug::PersonAnschrift);
+        OhneBezug(bericht, "AX_PersonAnschrift", person, Bezug::PersonAnschrift);
         return;
     }
     zeile.Setzen(I("id_AX_Anschrift"), anschrift);
-    if (!Attribute(zeile, "AX_Anschrift", "id", anschrift, false)) {
-        Notiz("AX_Anschrift", anschrift, "ohne Bezug...");
-        bericht.Zählen(Bezug::Anschrift);
-    }
+    if (!Attribute(zeile, "AX_Anschrift", "id", anschrift, false))
+        OhneBezug(bericht, "AX_Anschrift", anschrift, Bezug::Anschrift);
 }
 
 void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht& bericht,
@@ -439,6 +489,7 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
     zeilen.clear();
     Flurstücksbezug bezug = FlurstückBezüge(basis);
     std::vector<AlkisZeile> einzeln;
+    std::vector<std::shared_ptr<const std::vector<std::string>>> nummernJeZeile;
     const std::int64_t zuVorher = bericht.zuBuchungen;
     std::vector<AlkisZeile> buchungen = Buchungen(basis, bericht);
     // The bookings taken over by "zu" stand last.
@@ -449,15 +500,16 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
             buchung.Setzen(spalte, wert);
         for (Bezug fehlend : bezug.fehlend)
             bericht.Zählen(fehlend);
-        Buchungsblatt(buchung, bericht);
+        const auto namensnummern = std::make_shared<const std::vector<std::string>>(
+            Buchungsblatt(buchung, bericht));
         // A row for each owner of the sheet.
-        const std::size_t n = static_cast<std::size_t>(
-            std::max(1.0, ZahlLesen(buchung.Text("AnzZeilen_AX_Namensnummer"))));
+        const std::size_t n = std::max<std::size_t>(1, namensnummern->size());
         if (b >= ersteZu)
             bericht.zuZeilen += static_cast<std::int64_t>(n);
         for (std::size_t k = 1; k < n; ++k)
             einzeln.push_back(buchung);
         einzeln.push_back(std::move(buchung));
+        nummernJeZeile.insert(nummernJeZeile.end(), n, namensnummern);
     }
     // The owners are handed out in the order of the booking's number and the sheet's number; a
     // counter runs over rows of the same sheet, parcel and booking number and picks each row's
@@ -489,8 +541,9 @@ void Reorganisation::Flurstück(const AlkisZeile& basis, Reorganisationsbericht&
         zähler = gleich ? zähler + 1 : 1;
         vorigesBlatt = text(zeile, blatt);
         vorigeNummer = text(zeile, lfd);
-        if (text(zeile, nn).find('}') != std::string_view::npos)
-            zeile.Setzen(nn, TokenNr(text(zeile, nn), static_cast<int>(zähler), "}"));
+        // A sheet with several owners: the counter picks the row's name number.
+        if (const auto& nummern = *nummernJeZeile[reihenfolge[r]]; nummern.size() > 1)
+            zeile.Setzen(nn, zähler <= nummern.size() ? nummern[zähler - 1] : std::string());
         Eigentümer(zeile, bericht);
     }
     zeilen = std::move(einzeln);
@@ -531,7 +584,7 @@ void IndizesAnlegen(Datenbank& db) {
     for (const auto& index : Indizes)
         if (DAO_TabelleVorhanden(db, index.tabelle) &&
             !DAO_IndexVorhanden(db, index.tabelle, index.spalte))
-            DAO_CreateIndex(db, index.tabelle, index.spalte, false, false);
+            DAO_IndexAnlegen(db, index.tabelle, index.spalte, false, false);
 }
 
 } // namespace
@@ -548,7 +601,7 @@ std::vector<std::string> Reorganisationsbericht::Hinweise() const {
     for (std::size_t i = 0; i < BezugAnzahl; ++i)
         if (fehlend[i] > 0)
             hinweise.push_back(", Hinweis: " + std::to_string(fehlend[i]) +
-                               std::string(HinweisTexte[i]));
+                               std::string(HinweisText(static_cast<Bezug>(i))));
     return hinweise;
 }
 

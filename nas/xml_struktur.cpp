@@ -216,6 +216,231 @@ XmlStrukturErgebnis Fehlschlag(XmlStrukturErgebnis ergebnis, std::string meldung
     return ergebnis;
 }
 
+/// The refusal of a document with a document type declaration.
+std::string DoctypeMeldung(const std::filesystem::path& datei) {
+    return "Die XML-Datei \"" + datei.string() +
+           "\" enthält eine Dokumenttypdeklaration (DOCTYPE). Solche "
+           "Dateien werden nicht gelesen, denn ihre Entitäten könnten "
+           "Inhalte von außerhalb einschleusen.   ";
+}
+
+/// The refusal of a document with more element names than a table can hold.
+std::string ZuVieleSpaltenMeldung(const std::filesystem::path& datei, std::size_t elementSpalten,
+                                  std::size_t spalten) {
+    return "Die XML-Datei \"" + datei.string() + "\" enthält " + MitTausendern(elementSpalten) +
+           " verschiedene Elementnamen. Eine Tabelle kann höchstens " +
+           MitTausendern(HöchstSpalten) + " Spalten aufnehmen, mit diesen wären es " +
+           MitTausendern(spalten) + ". Die Datei wird nicht gelesen.   ";
+}
+
+/// Parses the prepared text. The text is UTF-8 by now: the encoding is given, so that a
+/// declaration such as encoding="ISO-8859-1" does not make the parser convert it a second time.
+/// The document type declaration is parsed only to be found and refused; pugixml never expands
+/// entities, and a document with a DOCTYPE is not read at all. True when it has one.
+bool DokumentParsenMitDoctype(pugi::xml_document& dokument, pugi::xml_parse_result& geparst,
+                              const std::string& text) {
+    geparst = dokument.load_buffer(text.data(), text.size(),
+                                   pugi::parse_default | pugi::parse_doctype, pugi::encoding_utf8);
+    bool mitDoctype = geparst.status == pugi::status_bad_doctype;
+    for (const pugi::xml_node& kind : dokument.children())
+        mitDoctype = mitDoctype || kind.type() == pugi::node_doctype;
+    return mitDoctype;
+}
+
+/// A parse error is shown and passed over: what was read until then is kept.
+void LadefehlerZeigen(const std::string& text, const pugi::xml_parse_result& geparst,
+                      Oberfläche& ui) {
+    const auto [zeile, zeichen] = Stelle(text, static_cast<std::size_t>(geparst.offset));
+    ui.Meldung(std::string(TextLadefehler) + "\nGrund: " + std::string(Grund(geparst.status)) +
+                   "\nZeile: " + std::to_string(zeile) + "\nZeichen: " + std::to_string(zeichen),
+               TitelFehler, Stil::Warnung);
+}
+
+/// First pass: the element columns (the rows are counted in `zähler`).
+Spalten ElementSpaltenSammeln(const pugi::xml_node& wurzel, int satzebene, Zähler& zähler) {
+    const std::string_view wurzelBasis = wurzel ? Basisname(wurzel.name()) : std::string_view{};
+    Spalten neueSpalten;
+    Gehen(wurzel, satzebene, zähler, [&](const pugi::xml_node& element, bool) {
+        if (Basisname(element.name()) != wurzelBasis && element.first_child())
+            neueSpalten.Hinzufügen(element.name());
+    });
+    return neueSpalten;
+}
+
+/// Without the append flag the old database goes first. Throws Fehler when it can't.
+void AlteDatenbankLöschen(const std::filesystem::path& pfad) {
+    std::error_code fehler;
+    std::filesystem::remove(pfad, fehler);
+    if (fehler)
+        throw Fehler("Die Datenbank \"" + pfad.string() +
+                     "\" kann nicht gelöscht werden: " + fehler.message());
+}
+
+/// The columns of the table in the order of the insert: what the table has, then what this
+/// document adds.
+Spalten TabellenSpalten(Datenbank& db, bool tabelleDa, const Spalten& neueSpalten) {
+    Spalten spalten;
+    if (tabelleDa) {
+        for (const std::string& name : db.Spaltennamen(Tabelle))
+            spalten.Hinzufügen(name);
+        for (std::string_view fest : FesteSpalten)
+            if (!spalten.Finden(fest))
+                spalten.Hinzufügen(fest);
+    } else {
+        for (std::string_view fest : FesteSpalten)
+            spalten.Hinzufügen(fest);
+    }
+    for (const std::string& name : neueSpalten.Namen())
+        spalten.Hinzufügen(name);
+    return spalten;
+}
+
+/// Creates the table, or adds the columns from `vorhanden` on to the one there.
+void TabelleAnlegenOderErweitern(Datenbank& db, bool tabelleDa, const Spalten& spalten,
+                                 std::size_t vorhanden) {
+    if (!tabelleDa) {
+        std::vector<Feld> felder;
+        for (const std::string& name : spalten.Namen())
+            felder.push_back({name, Feldtyp::Text});
+        db.TabelleAnlegen(Tabelle, felder);
+    } else {
+        for (std::size_t i = vorhanden; i < spalten.Namen().size(); ++i)
+            db.AusführenNativ("ALTER TABLE " + Bezeichner(Tabelle) + " ADD COLUMN " +
+                              Bezeichner(spalten.Namen()[i]) + " TEXT COLLATE NOCASE");
+    }
+}
+
+Anweisung EinfügenVorbereiten(Datenbank& db, const Spalten& spalten) {
+    std::string sql = "INSERT INTO " + Bezeichner(Tabelle) + " (";
+    std::string platzhalter;
+    for (std::size_t i = 0; i < spalten.Namen().size(); ++i) {
+        sql += (i == 0 ? "" : ", ") + Bezeichner(spalten.Namen()[i]);
+        platzhalter += i == 0 ? "?" : ", ?";
+    }
+    sql += ") VALUES (" + platzhalter + ")";
+    return db.VorbereitenNativ(sql);
+}
+
+void AnZelleAnhängen(std::optional<std::string>& zelle, std::string_view wert) {
+    if (!zelle)
+        zelle.emplace();
+    if (!zelle->empty())
+        *zelle += ';';
+    *zelle += wert;
+}
+
+/// Second pass: the rows. A row is edited only while it is the last one, so it is built in
+/// memory and written when the next row starts or the walk ends. Counts the rows written in
+/// `ergebnis.zeilen`; `zeilenGesamt` is the count of the first pass, for the progress.
+void ZeilenEinfügen(const pugi::xml_node& wurzel, const Spalten& spalten, Anweisung& einfügen,
+                    XmlStrukturErgebnis& ergebnis, std::int64_t zeilenGesamt,
+                    bool fortschrittZeigen, Oberfläche& ui) {
+    const std::string_view wurzelBasis = wurzel ? Basisname(wurzel.name()) : std::string_view{};
+    std::vector<std::size_t> festIndex;
+    for (std::string_view name : FesteSpalten)
+        festIndex.push_back(*spalten.Finden(name));
+    std::vector<std::optional<std::string>> zeile(spalten.Namen().size());
+    bool zeileOffen = false;
+    auto schreiben = [&] {
+        if (!zeileOffen)
+            return;
+        for (const auto& zelle : zeile) {
+            if (zelle)
+                einfügen.Binde(*zelle);
+            else
+                einfügen.Binde(nullptr);
+        }
+        einfügen.Schritt();
+        einfügen.Zurücksetzen();
+        ++ergebnis.zeilen;
+        if (fortschrittZeigen && ergebnis.zeilen % FortschrittSchritt == 0)
+            ui.Fortschritt(ergebnis.zeilen, zeilenGesamt);
+    };
+    Zähler zweiter;
+    Gehen(wurzel, ergebnis.satzebene, zweiter, [&](const pugi::xml_node& element, bool neueZeile) {
+        if (!IstText(element.first_child()))
+            return;
+        if (neueZeile) {
+            schreiben();
+            std::fill(zeile.begin(), zeile.end(), std::nullopt);
+            zeileOffen = true;
+        }
+        zeile[festIndex[SpalteTypname]] = ergebnis.typname;
+        zeile[festIndex[SpalteId]] = std::to_string(zweiter.zeile);
+        zeile[festIndex[SpalteKnoten]] = std::to_string(zweiter.knoten);
+        AnZelleAnhängen(zeile[festIndex[SpalteDaten]], element.name());
+        // An element named like the document element has no column of its own.
+        if (Basisname(element.name()) != wurzelBasis)
+            if (const auto spalte = spalten.Finden(element.name()))
+                AnZelleAnhängen(zeile[*spalte], Wert(element));
+    });
+    schreiben();
+}
+
+/// The load after the file was found; throws on database errors (the caller reports them).
+XmlStrukturErgebnis StrukturEinlesen(XmlStrukturErgebnis& ergebnis,
+                                     const std::filesystem::path& datei, int satzebene,
+                                     bool anhängen, bool fortschrittZeigen, Oberfläche& ui) {
+    const std::string bytes = DateiKomplettLesen(datei);
+    if (Trimmen(bytes).size() < 5)
+        return Fehlschlag(std::move(ergebnis), std::string(TextLeer), TitelKarte, Stil::Warnung,
+                          ui);
+    const std::string text = XmlTextVorbereiten(bytes);
+    const XmlSatz gefunden = XmlSatzebene(text);
+    ergebnis.satzebene = satzebene > 0 ? satzebene : gefunden.ebene;
+    ergebnis.typname = gefunden.typname;
+
+    if (fortschrittZeigen)
+        ui.Status(1, StatusLaden);
+    pugi::xml_document dokument;
+    pugi::xml_parse_result geparst;
+    if (DokumentParsenMitDoctype(dokument, geparst, text))
+        return Fehlschlag(std::move(ergebnis), DoctypeMeldung(datei), TitelFehler, Stil::Fehler,
+                          ui);
+    if (!geparst)
+        LadefehlerZeigen(text, geparst, ui);
+    const pugi::xml_node wurzel = dokument.document_element();
+
+    if (fortschrittZeigen)
+        ui.Status(1, StatusAnlegen);
+    Zähler erster;
+    const Spalten neueSpalten = ElementSpaltenSammeln(wurzel, ergebnis.satzebene, erster);
+    ergebnis.elementSpalten = neueSpalten.Namen().size();
+
+    const std::filesystem::path pfad = XmlDatenbankPfad(datei);
+    // Without the append flag, more names than a table can hold are refused before the old
+    // database is deleted; with it, the columns the table has already count as well.
+    auto zuVieleSpalten = [&](std::size_t spalten) {
+        return Fehlschlag(std::move(ergebnis),
+                          ZuVieleSpaltenMeldung(datei, ergebnis.elementSpalten, spalten),
+                          TitelFehler, Stil::Fehler, ui);
+    };
+    if (FesteSpalten.size() + neueSpalten.Namen().size() > HöchstSpalten)
+        return zuVieleSpalten(FesteSpalten.size() + neueSpalten.Namen().size());
+    if (!anhängen)
+        AlteDatenbankLöschen(pfad);
+    Datenbank db(pfad);
+    const bool tabelleDa = db.TabelleVorhanden(Tabelle);
+    const Spalten spalten = TabellenSpalten(db, tabelleDa, neueSpalten);
+    const std::size_t vorhanden = tabelleDa ? db.Spaltennamen(Tabelle).size() : 0;
+    if (spalten.Namen().size() > HöchstSpalten)
+        return zuVieleSpalten(spalten.Namen().size());
+
+    Transaktion transaktion(db);
+    TabelleAnlegenOderErweitern(db, tabelleDa, spalten, vorhanden);
+    Anweisung einfügen = EinfügenVorbereiten(db, spalten);
+    if (fortschrittZeigen)
+        ui.Status(1, StatusZuordnen);
+    ZeilenEinfügen(wurzel, spalten, einfügen, ergebnis, erster.zeile, fortschrittZeigen, ui);
+    transaktion.Bestätigen();
+    if (fortschrittZeigen)
+        ui.Fortschritt(ergebnis.zeilen, erster.zeile);
+
+    ergebnis.datenbank = pfad;
+    ergebnis.ergebnis = Ergebnis::Ok();
+    return ergebnis;
+}
+
 } // namespace
 
 std::filesystem::path XmlDatenbankPfad(const std::filesystem::path& datei) {
@@ -299,181 +524,7 @@ XmlStrukturErgebnis XmlStrukturLaden(const std::filesystem::path& datei, int sat
         return ergebnis;
     }
     try {
-        const std::string bytes = DateiKomplettLesen(datei);
-        if (Trimmen(bytes).size() < 5)
-            return Fehlschlag(std::move(ergebnis), std::string(TextLeer), TitelKarte, Stil::Warnung,
-                              ui);
-
-        const std::string text = XmlTextVorbereiten(bytes);
-        const XmlSatz gefunden = XmlSatzebene(text);
-        ergebnis.satzebene = satzebene > 0 ? satzebene : gefunden.ebene;
-        ergebnis.typname = gefunden.typname;
-
-        if (fortschrittZeigen)
-            ui.Status(1, StatusLaden);
-        // The text is UTF-8 by now: the encoding is given, so that a declaration such as
-        // encoding="ISO-8859-1" does not make the parser convert it a second time. The document
-        // type declaration is parsed only to be found and refused; pugixml never expands
-        // entities, and a document with a DOCTYPE is not read at all.
-        pugi::xml_document dokument;
-        const pugi::xml_parse_result geparst =
-            dokument.load_buffer(text.data(), text.size(),
-                                 pugi::parse_default | pugi::parse_doctype, pugi::encoding_utf8);
-        bool mitDoctype = geparst.status == pugi::status_bad_doctype;
-        for (const pugi::xml_node& kind : dokument.children())
-            mitDoctype = mitDoctype || kind.type() == pugi::node_doctype;
-        if (mitDoctype)
-            return Fehlschlag(std::move(ergebnis),
-                              "Die XML-Datei \"" + datei.string() +
-                                  "\" enthält eine Dokumenttypdeklaration (DOCTYPE). Solche "
-                                  "Dateien werden nicht gelesen, denn ihre Entitäten könnten "
-                                  "Inhalte von außerhalb einschleusen.   ",
-                              TitelFehler, Stil::Fehler, ui);
-        if (!geparst) {
-            const auto [zeile, zeichen] = Stelle(text, static_cast<std::size_t>(geparst.offset));
-            ui.Meldung(std::string(TextLadefehler) + "\nGrund: " + std::string(Grund(geparst.status)) +
-                           "\nZeile: " + std::to_string(zeile) + "\nZeichen: " +
-                           std::to_string(zeichen),
-                       TitelFehler, Stil::Warnung);
-        }
-        const pugi::xml_node wurzel = dokument.document_element();
-        const std::string_view wurzelBasis = wurzel ? Basisname(wurzel.name()) : std::string_view{};
-
-        // First pass: the element columns and the number of rows.
-        if (fortschrittZeigen)
-            ui.Status(1, StatusAnlegen);
-        Spalten neueSpalten;
-        Zähler erster;
-        Gehen(wurzel, ergebnis.satzebene, erster, [&](const pugi::xml_node& element, bool) {
-            if (Basisname(element.name()) != wurzelBasis && element.first_child())
-                neueSpalten.Hinzufügen(element.name());
-        });
-        ergebnis.elementSpalten = neueSpalten.Namen().size();
-
-        const std::filesystem::path pfad = XmlDatenbankPfad(datei);
-        // Without the append flag, more names than a table can hold are refused before the old
-        // database is deleted; with it, the columns the table has already count as well.
-        auto zuVieleSpalten = [&](std::size_t spalten) {
-            return Fehlschlag(std::move(ergebnis),
-                              "Die XML-Datei \"" + datei.string() + "\" enthält " +
-                                  MitTausendern(ergebnis.elementSpalten) +
-                                  " verschiedene Elementnamen. Eine Tabelle kann höchstens " +
-                                  MitTausendern(HöchstSpalten) +
-                                  " Spalten aufnehmen, mit diesen wären es " +
-                                  MitTausendern(spalten) + ". Die Datei wird nicht gelesen.   ",
-                              TitelFehler, Stil::Fehler, ui);
-        };
-        if (FesteSpalten.size() + neueSpalten.Namen().size() > HöchstSpalten)
-            return zuVieleSpalten(FesteSpalten.size() + neueSpalten.Namen().size());
-
-        if (!anhängen) {
-            std::error_code fehler;
-            std::filesystem::remove(pfad, fehler);
-            if (fehler)
-                throw Fehler("Die Datenbank \"" + pfad.string() +
-                             "\" kann nicht gelöscht werden: " + fehler.message());
-        }
-        Datenbank db(pfad);
-        const bool tabelleDa = db.TabelleVorhanden(Tabelle);
-
-        // The columns of the table in the order of the insert: what the table has, then what
-        // this document adds.
-        Spalten spalten;
-        if (tabelleDa) {
-            for (const std::string& name : db.Spaltennamen(Tabelle))
-                spalten.Hinzufügen(name);
-            for (std::string_view fest : FesteSpalten)
-                if (!spalten.Finden(fest))
-                    spalten.Hinzufügen(fest);
-        } else {
-            for (std::string_view fest : FesteSpalten)
-                spalten.Hinzufügen(fest);
-        }
-        const std::size_t vorhanden = tabelleDa ? db.Spaltennamen(Tabelle).size() : 0;
-        for (const std::string& name : neueSpalten.Namen())
-            spalten.Hinzufügen(name);
-        if (spalten.Namen().size() > HöchstSpalten)
-            return zuVieleSpalten(spalten.Namen().size());
-
-        Transaktion transaktion(db);
-        if (!tabelleDa) {
-            std::vector<Feld> felder;
-            for (const std::string& name : spalten.Namen())
-                felder.push_back({name, Feldtyp::Text});
-            db.TabelleAnlegen(Tabelle, felder);
-        } else {
-            for (std::size_t i = vorhanden; i < spalten.Namen().size(); ++i)
-                db.AusführenNativ("ALTER TABLE " + Bezeichner(Tabelle) + " ADD COLUMN " +
-                                  Bezeichner(spalten.Namen()[i]) + " TEXT COLLATE NOCASE");
-        }
-        std::vector<std::size_t> festIndex;
-        for (std::string_view name : FesteSpalten)
-            festIndex.push_back(*spalten.Finden(name));
-
-        std::string sql = "INSERT INTO " + Bezeichner(Tabelle) + " (";
-        std::string platzhalter;
-        for (std::size_t i = 0; i < spalten.Namen().size(); ++i) {
-            sql += (i == 0 ? "" : ", ") + Bezeichner(spalten.Namen()[i]);
-            platzhalter += i == 0 ? "?" : ", ?";
-        }
-        sql += ") VALUES (" + platzhalter + ")";
-        Anweisung einfügen = db.VorbereitenNativ(sql);
-
-        // Second pass: the rows. A row is edited only while it is the last one, so it is built
-        // in memory and written when the next row starts or the walk ends.
-        if (fortschrittZeigen)
-            ui.Status(1, StatusZuordnen);
-        std::vector<std::optional<std::string>> zeile(spalten.Namen().size());
-        bool zeileOffen = false;
-        auto schreiben = [&] {
-            if (!zeileOffen)
-                return;
-            for (const auto& zelle : zeile) {
-                if (zelle)
-                    einfügen.Binde(*zelle);
-                else
-                    einfügen.Binde(nullptr);
-            }
-            einfügen.Schritt();
-            einfügen.Zurücksetzen();
-            ++ergebnis.zeilen;
-            if (fortschrittZeigen && ergebnis.zeilen % FortschrittSchritt == 0)
-                ui.Fortschritt(ergebnis.zeilen, erster.zeile);
-        };
-        auto anhängenAn = [](std::optional<std::string>& zelle, std::string_view wert) {
-            if (!zelle)
-                zelle.emplace();
-            if (!zelle->empty())
-                *zelle += ';';
-            *zelle += wert;
-        };
-        Zähler zweiter;
-        Gehen(wurzel, ergebnis.satzebene, zweiter,
-              [&](const pugi::xml_node& element, bool neueZeile) {
-                  if (!IstText(element.first_child()))
-                      return;
-                  if (neueZeile) {
-                      schreiben();
-                      std::fill(zeile.begin(), zeile.end(), std::nullopt);
-                      zeileOffen = true;
-                  }
-                  zeile[festIndex[SpalteTypname]] = ergebnis.typname;
-                  zeile[festIndex[SpalteId]] = std::to_string(zweiter.zeile);
-                  zeile[festIndex[SpalteKnoten]] = std::to_string(zweiter.knoten);
-                  anhängenAn(zeile[festIndex[SpalteDaten]], element.name());
-                  // An element named like the document element has no column of its own.
-                  if (Basisname(element.name()) != wurzelBasis)
-                      if (const auto spalte = spalten.Finden(element.name()))
-                          anhängenAn(zeile[*spalte], Wert(element));
-              });
-        schreiben();
-        transaktion.Bestätigen();
-        if (fortschrittZeigen)
-            ui.Fortschritt(ergebnis.zeilen, erster.zeile);
-
-        ergebnis.datenbank = pfad;
-        ergebnis.ergebnis = Ergebnis::Ok();
-        return ergebnis;
+        return StrukturEinlesen(ergebnis, datei, satzebene, anhängen, fortschrittZeigen, ui);
     } catch (const std::exception& e) {
         return Fehlschlag(std::move(ergebnis), e.what(), TitelFehler, Stil::Fehler, ui);
     }

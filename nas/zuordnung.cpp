@@ -34,14 +34,6 @@ bool GleichOhneFall(std::string_view a, std::string_view b) {
            });
 }
 
-std::string_view Getrimmt(std::string_view text) {
-    const auto anfang = text.find_first_not_of(' ');
-    if (anfang == std::string_view::npos)
-        return {};
-    const auto ende = text.find_last_not_of(' ');
-    return text.substr(anfang, ende - anfang + 1);
-}
-
 // The command is the first three characters of the line; a blank (or the end of the line) must
 // follow, so that a line such as "SQLite ..." is no command. Written in capitals in the shipped
 // script; any case is taken.
@@ -227,7 +219,7 @@ public:
     }
 
     void Sql(const std::string& zeile) {
-        const auto anweisung = Getrimmt(std::string_view(zeile).substr(3));
+        const auto anweisung = TrimmeLeerzeichen(std::string_view(zeile).substr(3));
         if (anweisung.empty()) {
             Fehlschlag(zeile, "die Zeile enthält keine SQL-Anweisung");
             return;
@@ -334,7 +326,7 @@ public:
         // go one by one, the slow way, each line on its own account.
         m_protokoll.Eintrag(", Hinweis Zuordnung: Spalten werden einzeln gelöscht, " + grund);
         for (const auto& [nummer, spalte] : weg) {
-            if (DAO_FeldLoeschen(m_db, Tabelle, spalte))
+            if (DAO_FeldLöschen(m_db, Tabelle, spalte))
                 Gelungen();
             else
                 Fehlschlag(zeilen[nummer],
@@ -362,6 +354,33 @@ private:
                                      "lesbar: ") +
                          fehler.what());
         }
+    }
+
+    static bool GehtWeg(const std::vector<std::string>& weg, std::string_view name) {
+        return std::any_of(weg.begin(), weg.end(),
+                           [&](const std::string& w) { return GleichOhneFall(w, name); });
+    }
+
+    // The statements of the indexes on columns that stay; those on a dropped column go with it.
+    std::vector<std::string> BleibendeIndizes(const std::string& tabelle,
+                                              const std::vector<std::string>& weg) {
+        std::vector<std::string> indizes;
+        auto abfrage = m_db.VorbereitenNativ(
+            "SELECT name, sql FROM sqlite_master WHERE type = 'index' AND tbl_name = ? AND "
+            "sql IS NOT NULL");
+        abfrage.Binde(tabelle);
+        auto info = m_db.VorbereitenNativ("SELECT name FROM pragma_index_info(?)");
+        while (abfrage.Schritt()) {
+            info.Zurücksetzen();
+            info.Binde(abfrage.Text(0));
+            bool bleibt = true;
+            while (info.Schritt())
+                if (!info.IstNull(0) && GehtWeg(weg, info.Text(0)))
+                    bleibt = false;
+            if (bleibt)
+                indizes.emplace_back(abfrage.Text(1));
+        }
+        return indizes;
     }
 
     // Makes Alkis anew without the columns `weg` (real names): a new table with the remaining
@@ -395,10 +414,7 @@ private:
             pk.Binde(tabelle);
             mitSchlüssel = pk.Schritt();
         }
-        const auto gehtWeg = [&](std::string_view name) {
-            return std::any_of(weg.begin(), weg.end(),
-                               [&](const std::string& w) { return GleichOhneFall(w, name); });
-        };
+        const auto gehtWeg = [&](std::string_view name) { return GehtWeg(weg, name); };
         std::string neueSpalten;
         std::string liste;
         for (std::size_t i = 0; i < spalten.size(); ++i) {
@@ -418,25 +434,7 @@ private:
             return false;
         }
 
-        // Indexes on columns that stay; those on a dropped column go with it.
-        std::vector<std::string> indizes;
-        {
-            auto abfrage = m_db.VorbereitenNativ(
-                "SELECT name, sql FROM sqlite_master WHERE type = 'index' AND tbl_name = ? AND "
-                "sql IS NOT NULL");
-            abfrage.Binde(tabelle);
-            auto info = m_db.VorbereitenNativ("SELECT name FROM pragma_index_info(?)");
-            while (abfrage.Schritt()) {
-                info.Zurücksetzen();
-                info.Binde(abfrage.Text(0));
-                bool bleibt = true;
-                while (info.Schritt())
-                    if (!info.IstNull(0) && gehtWeg(info.Text(0)))
-                        bleibt = false;
-                if (bleibt)
-                    indizes.emplace_back(abfrage.Text(1));
-            }
-        }
+        const std::vector<std::string> indizes = BleibendeIndizes(tabelle, weg);
 
         const bool eigeneTransaktion = !m_db.TransaktionOffen();
         try {
@@ -510,7 +508,7 @@ std::vector<std::string> ZuordnungLesen(std::string_view text) {
         for (const char c : roh)
             if (c != '\t' && c != '\r')
                 zeile += c;
-        const auto getrimmt = Getrimmt(zeile);
+        const auto getrimmt = TrimmeLeerzeichen(zeile);
         if (getrimmt.empty() || getrimmt.front() == '*')
             continue;
         zeilen.emplace_back(getrimmt);

@@ -17,7 +17,7 @@ constexpr char Titel[] = "ALKISZusammenstellung";
 /// The parcels' geometry of a very large file is not needed once Alkis has its rings.
 void GeometrieEntfernen(Datenbank& db) {
     for (const char* spalte : {"position", "gml:exterior", "gml:interior", "gml:Arc"})
-        DAO_FeldLoeschen(db, "AX_Flurstueck", spalte);
+        DAO_FeldLöschen(db, "AX_Flurstueck", spalte);
 }
 
 Ergebnis Stufen(const Zusammenstellungsauftrag& auftrag, const std::string& zuordnung,

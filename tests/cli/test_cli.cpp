@@ -1,181 +1,309 @@
+// The command line as golden files: each group of calls runs in order in one scratch folder, and
+// its transcript (call, exit code, stdout, stderr marked "! ") and the files it writes are
+// compared byte for byte with tests/cli/erwartet/. Paths are written as <ordner> and <quellen>,
+// the clock times of the NAS protocol as hh:mm:ss. After a deliberate change of an output,
+// FLURIX_GOLDEN_NEU=1 ctest -L cli writes the expected files anew; read git diff before keeping them.
+
 #include "cli/cli.hpp"
 
 #include "gemeinsam/testumgebung.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
+#include <regex>
 #include <sstream>
 
 namespace flurix::cli {
 namespace {
 
+namespace fs = std::filesystem;
 using test::DateiLesen;
 using test::DateiSchreiben;
 
-// The command line against an installation of its own, with the desktop program replaced by a
-// recorder.
-class CliTest : public ::testing::Test {
+const fs::path Quellen = FLURIX_QUELLEN;
+const fs::path Erwartet = Quellen / "tests" / "cli" / "erwartet";
+
+struct Aufruf {
+    std::vector<std::string> argumente; ///< "<ordner>" and "<quellen>" stand for the folders
+    /// Files the call writes (in the folder) and their expected file in erwartet/.
+    std::vector<std::pair<std::string, std::string>> dateien = {};
+};
+
+// An installation of its own (the NAS configuration of the source tree, a view "nurname"), the
+// desktop program replaced by a line in the transcript.
+class CliGolden : public ::testing::Test {
 protected:
-    CliTest() {
-        DateiSchreiben(ordner / "inst" / "config" / "Flurix.dat",
+    CliGolden() {
+        const fs::path konfig = ordner / "inst" / "config";
+        DateiSchreiben(konfig / "Flurix.dat",
                        "tempArbeitsverzeichnis =" + (ordner / "arbeit").string() + "/\r\n");
-        DateiSchreiben(ordner / "inst" / "config" / "WebService.fil", "");
+        DateiSchreiben(konfig / "WebService.fil", "");
+        for (const char* name : {"ALKIS_Knoten.dat", "ALKIS_Werteart.dat", "ALKIS_EPSG.dat",
+                                 "ALKIS_Zuordnung.dat", "ALB_ALKISImport.dat", "ALKIS_Amtsgerichte.dat"})
+            fs::copy_file(Quellen / "config" / name, konfig / name);
+        DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "nurname=Name;Flur\r\n");
         umgebung.installation = ordner / "inst";
         umgebung.oberflächeStarten = [this](const std::vector<std::string>& argumente) {
-            gestartet.push_back(argumente);
+            protokoll << "[flurix-gui";
+            for (const auto& a : argumente)
+                protokoll << " " << a;
+            protokoll << "]\n";
             return 0;
         };
     }
-    int Lauf(const std::vector<std::string>& argumente) {
-        aus.str({});
-        fehler.str({});
-        return Ausführen(argumente, aus, fehler, umgebung);
+
+    std::string Maskiert(std::string text) const {
+        for (const auto& [pfad, name] : {std::pair{ordner.pfad().string(), "<ordner>"},
+                                         std::pair{Quellen.string(), "<quellen>"}})
+            for (auto stelle = text.find(pfad); stelle != std::string::npos; stelle = text.find(pfad, stelle))
+                text.replace(stelle, pfad.size(), name);
+        static const std::regex uhrzeit("(^|\n)[0-9]{2}:[0-9]{2}:[0-9]{2}");
+        return std::regex_replace(text, uhrzeit, "$1hh:mm:ss");
+    }
+
+    // Runs the calls in order, then compares the transcript with erwartet/<gruppe>.txt and each
+    // written file with its expected file.
+    void Laufen(const std::string& gruppe, const std::vector<Aufruf>& aufrufe) {
+        for (const auto& a : aufrufe) {
+            std::vector<std::string> argumente;
+            protokoll << "$ flurix";
+            for (std::string arg : a.argumente) {
+                for (const auto& [name, pfad] : {std::pair{std::string("<ordner>"), ordner.pfad().string()},
+                                                 std::pair{std::string("<quellen>"), Quellen.string()}})
+                    if (arg.find(name) != std::string::npos)
+                        arg.replace(arg.find(name), name.size(), pfad);
+                argumente.push_back(arg);
+                protokoll << " " << a.argumente[argumente.size() - 1];
+            }
+            protokoll << "\n";
+            std::ostringstream aus, fehler;
+            const int code = Ausführen(argumente, aus, fehler, umgebung);
+            protokoll << "Ende " << code << "\n" << Maskiert(aus.str());
+            std::istringstream zeilen(Maskiert(fehler.str()));
+            for (std::string zeile; std::getline(zeilen, zeile);)
+                protokoll << "! " << zeile << "\n";
+            protokoll << "\n";
+            for (const auto& [datei, golden] : a.dateien) {
+                SCOPED_TRACE(datei);
+                ASSERT_TRUE(fs::exists(ordner / datei)) << "nicht geschrieben";
+                EXPECT_EQ(test::GoldenVergleich(Maskiert(DateiLesen(ordner / datei)), Erwartet / golden), "");
+            }
+        }
+        EXPECT_EQ(test::GoldenVergleich(protokoll.str(), Erwartet / (gruppe + ".txt")), "");
+    }
+
+    void Kopieren(const char* probe, const std::string& name) {
+        fs::copy_file(Quellen / "samples" / probe, ordner / name);
     }
 
     test::TempOrdner ordner;
     Umgebung umgebung;
-    std::vector<std::vector<std::string>> gestartet;
-    std::ostringstream aus, fehler;
+    std::ostringstream protokoll;
 };
 
-TEST_F(CliTest, HilfeNenntAlleBefehle) {
-    EXPECT_EQ(Lauf({"--help"}), 0);
-    for (const char* befehl : {"erkennen", "import", "konfig", "/ggout /still", "/map"})
-        EXPECT_NE(aus.str().find(befehl), std::string::npos) << befehl;
-    EXPECT_EQ(Lauf({"import", "--help"}), 0);
-    EXPECT_NE(aus.str().find("--alle-eigentuemer-in-einer-zeile"), std::string::npos);
-    EXPECT_EQ(Lauf({}), 2);
-    EXPECT_EQ(Lauf({"--gibtsnicht"}), 2);
-    EXPECT_NE(fehler.str().find("unbekannte Option"), std::string::npos);
+TEST_F(CliGolden, HilfeUndAuftragszeilen) {
+    Kopieren("musterstadt_bestandsdatenauszug.xml", "nas.xml");
+    const std::string vorher = DateiLesen(ordner / "nas.xml");
+    Laufen("aufrufe", {
+        {{"--help"}}, {{"import", "--help"}}, {{"export", "--help"}}, {{"suchen", "--help"}},
+        {{"markieren", "--help"}}, {{}}, {{"--gibtsnicht"}},
+        {{"/daten/kreis.wldge"}}, {{"/daten/tabelle.fil"}}, {{"/map", "350000;5600000"}},
+        {{"kreis.wldge"}}, {{"/daten/auftrag.xml", "/ggout", "/still"}},
+        {{"/daten/auftrag.xml /dxfout /still"}}, {{"/daten/auftrag.xml /ggout  /still"}},
+        {{"/daten/v1.2/t.fil"}},
+        {{"erkennen", "<quellen>/samples/musterkreis_format32.wldge", "<ordner>/nas.xml"}},
+        {{"erkennen", "<ordner>/fehlt.wldge"}}, {{"erkennen"}},
+    });
+    EXPECT_EQ(DateiLesen(ordner / "nas.xml"), vorher) << "erkennen changes nothing";
 }
 
-TEST_F(CliTest, AuftragszeilenUndIhreMeldungen) {
-    struct Fall {
-        std::vector<std::string> argumente;
-        int code;
-        std::string fehlerausgabe;
-        bool oberfläche;
-    };
-    const std::string nas =
-        "Der unbeaufsichtigte NAS-Lauf ist in dieser Version von Flurix noch nicht verfügbar!   \n";
-    const Fall fälle[] = {
-        {{"/daten/kreis.wldge"}, 0, "", true},
-        {{"/daten/tabelle.fil"}, 0, "", true},
-        {{"/map", "350000;5600000"}, 0, "", true},
-        {{"kreis.wldge"}, 1, "Fehlerhafte Auftragspfadbeschreibung! Abbruch!   \n", false},
-        {{"/daten/auftrag.xml", "/ggout", "/still"}, 1, nas, false},
-        {{"/daten/auftrag.xml /dxfout /still"}, 1, nas, false},
-        {{"/daten/auftrag.xml /ggout  /still"}, 1,
-         "Der Dateityp \".xml /ggout  /still\" kann vom Flurix z.Z. nicht automatisiert "
-         "eingelesen werden!   \n",
-         false},
-        {{"/daten/v1.2/t.fil"}, 0, "Der Dateiname /daten/v1xml ist nicht eineindeutig!   \n", true},
-    };
-    for (const auto& f : fälle) {
-        SCOPED_TRACE(f.argumente.front());
-        gestartet.clear();
-        EXPECT_EQ(Lauf(f.argumente), f.code);
-        EXPECT_EQ(fehler.str(), f.fehlerausgabe);
-        EXPECT_EQ(gestartet.size(), f.oberfläche ? 1u : 0u);
-        if (f.oberfläche) {
-            EXPECT_EQ(gestartet.front(), f.argumente);
-        }
+TEST_F(CliGolden, Import) {
+    Kopieren("musterkreis_format32.wldge", "k32.wldge");
+    Kopieren("musterkreis_format35.wldge", "k35.wldge");
+    Kopieren("musterstadt_webxml_auszug.xml", "a.xml");
+    Kopieren("musterstadt_webxml_auszug.xml", "b.xml");
+    DateiSchreiben(ordner / "t.fil", "FLURIX-TABELLE\t1\nspalten\t2\n"
+                                     "Gemarkung\tGemarkung\t1200\t1\t1\nName\tEigentümer\t2400\t1\t0\n"
+                                     "zeilen\t00000000000000000002\nNord\tMeier\\nSchulze\nSüd\t\n");
+    DateiSchreiben(ordner / "kaputt.fil",
+                   "FLURIX-TABELLE\t1\nspalten\t1\nA\tA\t1\t1\t0\nzeilen\t00000000000000000003\nx\n");
+    Laufen("import", {
+        {{"import", "<ordner>/k32.wldge", "--komplett", "--out", "<ordner>/k.tsv"}, {{"k.tsv", "import_32_komplett.tsv"}}},
+        {{"import", "<ordner>/k32.wldge", "--schnell", "--out", "<ordner>/s.tsv"}, {{"s.tsv", "import_32_schnell.tsv"}}},
+        {{"import", "<ordner>/k32.wldge", "--alle-eigentuemer-in-einer-zeile", "--out", "<ordner>/e.tsv"},
+         {{"e.tsv", "import_32_eine_zeile.tsv"}}},
+        {{"import", "<ordner>/k35.wldge", "--out", "<ordner>/k35.tsv"}, {{"k35.tsv", "import_35.tsv"}}},
+        {{"import", "<ordner>/k35.wldge", "--schnell", "--alle-eigentuemer-in-einer-zeile", "--out", "<ordner>/k35.tsv"},
+         {{"k35.tsv", "import_35.tsv"}}},
+        {{"import", "<ordner>/a.xml", "<ordner>/b.xml", "--out", "<ordner>/w.tsv"}, {{"w.tsv", "import_webxml_zwei.tsv"}}},
+        {{"import", "<ordner>/a.xml", "--anfuegen", "--out", "<ordner>/w.tsv"}},
+        {{"import", "<ordner>/a.xml", "--out", "<ordner>/w.tsv"}},
+        {{"import", "<ordner>/k35.wldge", "--anfuegen", "--out", "<ordner>/w.tsv"}},
+        {{"import", "<ordner>/t.fil", "--out", "<ordner>/t.tsv"}, {{"t.tsv", "import_fil.tsv"}}},
+        // A broken saved table: exit 1, and the table written before stays as it was.
+        {{"import", "<ordner>/kaputt.fil", "--out", "<ordner>/t.tsv"}, {{"t.tsv", "import_fil.tsv"}}},
+        {{"import", "<ordner>/k32.wldge", "--komplett", "--schnell"}},
+        {{"import", "<ordner>/liste.txt"}},
+        {{"import", "<ordner>/k32.wldge", "--out"}},
+    });
+}
+
+TEST_F(CliGolden, Nas) {
+    Kopieren("musterstadt_bestandsdatenauszug.xml", "auszug.xml");
+    Kopieren("musterstadt_nas.xml", "muster.xml");
+    DateiSchreiben(ordner / "kein.xml", "<?xml version=\"1.0\"?>\n<auszug/>\n");
+    DateiSchreiben(ordner / "fremd.sqlite", "kein SQLite");
+    Laufen("nas", {
+        {{"nas", "<ordner>/auszug.xml", "--db", "<ordner>/nas.sqlite"}, {{"auszug.xml.prn", "nas_auszug.prn"}}},
+        // Opened again from the saved database: the same tables, no scan.
+        {{"nas", "<ordner>/nas.sqlite", "--db", "<ordner>/neu.sqlite"}},
+        {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/nas.tsv"},
+         {{"nas.tsv", "nas_muster.tsv"}, {"muster.xml.prn", "nas_muster.prn"}}},
+        // "flurix import" takes the same road for a NAS file.
+        {{"import", "<ordner>/muster.xml", "--out", "<ordner>/import.tsv", }, {{"import.tsv", "nas_muster.tsv"}}},
+        {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/t.abc"}},
+        {{"nas", "<ordner>/muster.xml", "--format", "tsv"}},
+        {{"nas", "<ordner>/kein.xml", "--db", "<ordner>/b.sqlite", "--ohne-protokoll"}},
+        {{"nas", "<ordner>/fremd.sqlite"}},
+        {{"nas"}},
+    });
+    EXPECT_FALSE(fs::exists(ordner / "kein.xml.prn")) << "--ohne-protokoll";
+    fs::remove(ordner / "inst" / "config" / "ALKIS_Zuordnung.dat");
+    std::ostringstream aus, fehler;
+    EXPECT_EQ(Ausführen({"nas", (ordner / "muster.xml").string(), "--out", (ordner / "z.tsv").string()},
+                        aus, fehler, umgebung), 1);
+    EXPECT_NE(fehler.str().find("ERR: Knotendatei \"ALKIS_Zuordnung.dat\" nicht vorhanden!"), std::string::npos);
+    EXPECT_FALSE(fs::exists(ordner / "z.tsv"));
+}
+
+TEST_F(CliGolden, Export) {
+    DateiSchreiben(ordner / "t.tsv", "Gemarkung\tFlur\tName\tcheckdruck\n"
+                                     "Nord\t007\tMeier & Co <\"x\"> $5\t1\n"
+                                     "Süd\t001\tŁukasz\\tTab\\r\\nZeile\t\n");
+    fs::create_directories(ordner / "aus");
+    std::vector<Aufruf> aufrufe;
+    const std::pair<std::string, std::string> formate[] = {{"txt-tab", "a.txt"}, {"txt-dollar", "a.dollar"},
+        {"xml", "a.xml"}, {"fil", "a.fil"}, {"html", "a.htm"}, {"tsv", "a.tsv"}};
+    for (const auto& [format, datei] : formate)
+        aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", format, "--out", "<ordner>/aus/" + datei},
+                           {{"aus/" + datei, "export_" + datei}}});
+    aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", "txt-tab", "--out", "<ordner>/aus/a.txt"}});
+    aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", "txt-tab", "--out", "<ordner>/m.txt",
+                        "--nur-markierte", "--ansicht", "nurname"}, {{"m.txt", "export_markiert_nurname.txt"}}});
+    for (const std::vector<std::string>& falsch : std::vector<std::vector<std::string>>{
+             {"--format", "xml", "--out", "<ordner>/x.xml", "--ansicht", "gibtsnicht"},
+             {"--format", "txt-tab"}, {"--format", "pdf", "--out", "<ordner>/x.txt"},
+             {"--format", "txt-tab", "--out", "<ordner>/fehlt/x.txt"},
+             {"--format", "geograf", "--out", "<ordner>/x.out"}}) {
+        aufrufe.push_back({{"export", "<ordner>/t.tsv"}});
+        aufrufe.back().argumente.insert(aufrufe.back().argumente.end(), falsch.begin(), falsch.end());
     }
+    aufrufe.push_back({{"export", "<ordner>/fehlt.fil", "--format", "xml", "--out", "<ordner>/x.xml"}});
+    Laufen("export", aufrufe);
+
+    // The binary formats: a workbook and an SQLite file at exactly the named path.
+    const std::pair<std::string, std::string> binär[] = {{"xlsx", "PK\x03\x04"},
+                                                          {"sqlite", std::string("SQLite format 3\0", 16)}};
+    for (const auto& [format, anfang] : binär) {
+        const fs::path out = ordner / "aus" / ("b." + format);
+        std::ostringstream aus, fehler;
+        EXPECT_EQ(Ausführen({"export", (ordner / "t.tsv").string(), "--format", format, "--out", out.string()},
+                            aus, fehler, umgebung), 0) << fehler.str();
+        EXPECT_EQ(DateiLesen(out).substr(0, anfang.size()), anfang) << format;
+    }
+    // Without marks, --nur-markierte has nothing to write.
+    DateiSchreiben(ordner / "leer.tsv", "Gemarkung\tcheckdruck\nNord\t\n");
+    std::ostringstream aus, fehler;
+    EXPECT_EQ(Ausführen({"export", (ordner / "leer.tsv").string(), "--format", "xml", "--out",
+                         (ordner / "l.xml").string(), "--nur-markierte"}, aus, fehler, umgebung), 1);
+    EXPECT_NE(fehler.str().find("Keine Zeile der Tabelle ist markiert"), std::string::npos);
 }
 
-TEST_F(CliTest, ErkennenSagtArtUndLeserOhneZuÄndern) {
-    const auto wldge = std::filesystem::path(FLURIX_QUELLEN) / "samples" / "musterkreis_format32.wldge";
-    const auto nas =
-        std::filesystem::path(FLURIX_QUELLEN) / "samples" / "musterstadt_bestandsdatenauszug.xml";
-    const auto vorher = DateiLesen(nas);
-    EXPECT_EQ(Lauf({"erkennen", wldge.string(), nas.string()}), 0);
-    EXPECT_EQ(aus.str(), wldge.string() +
-                             "\tWLDGE-Datei, Abgabeformat \"32\"\tWLDGE-Leser (komplett oder "
-                             "teilweise)\n" +
-                             nas.string() + "\tNAS-Datei (ALKIS)\tNAS-Arbeitsbereich\n");
-    EXPECT_EQ(DateiLesen(nas), vorher);
-    EXPECT_EQ(Lauf({"erkennen", (ordner / "fehlt.wldge").string()}), 1);
-    EXPECT_EQ(Lauf({"erkennen"}), 2);
+TEST_F(CliGolden, SuchenUndMarkieren) {
+    const fs::path daten = test::Testdaten() / "markierung";
+    fs::copy_file(daten / "sieben_zeilen_drei_eigentuemer_ohne_checkdruck.tsv", ordner / "t.tsv");
+    fs::copy_file(daten / "vier_formen_ein_schluessel_fehlt.lst", ordner / "liste.lst");
+    fs::copy_file(daten / "blank_ohne_schraegstrich_in_zeile_3.lst", ordner / "fehler.lst");
+    DateiSchreiben(ordner / "leer.lst", "");
+    const auto suchen = [](std::vector<std::string> optionen) {
+        optionen.insert(optionen.begin(), {"suchen", "<ordner>/t.tsv"});
+        return Aufruf{optionen};
+    };
+    Laufen("suchen_markieren", {
+        suchen({"--spalte", "Flurstück", "--begriff", "231/1"}),
+        suchen({"--spalte", "Name", "--begriff", "MEIER"}),
+        suchen({"--spalte", "Name", "--begriff", "O", "--alle-eigentuemer-in-einer-zeile"}),
+        suchen({"--spalte", "Flurstück", "--begriff", "99"}),
+        suchen({"--spalte", "Name", "--begriff", "Frei", "--gemarkung", "Nordheim", "--flur", "8"}),
+        {{"suchen", "<ordner>/t.tsv", "--spalte", "Flurstück", "--begriff", "231/1", "--out", "<ordner>/treffer.tsv"},
+         {{"treffer.tsv", "suchen_treffer.tsv"}}},
+        {{"suchen", "<ordner>/fehlt.tsv", "--spalte", "Name", "--begriff", "x"}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "<ordner>/liste.lst", "--out", "<ordner>/m.tsv"},
+         {{"m.tsv", "markieren.tsv"}, {"liste.lst.err", "markieren.err"}}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "<ordner>/liste.lst", "--out", "<ordner>/m.fil"},
+         {{"m.fil", "markieren.fil"}}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "<ordner>/fehler.lst", "--out", "<ordner>/teil.tsv"},
+         {{"teil.tsv", "markieren_formatfehler.tsv"}}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "<ordner>/leer.lst", "--out", "<ordner>/leer.tsv"}},
+        {{"suchen", "<ordner>/t.tsv"}}, {{"suchen", "--spalte", "Name"}},
+        {{"suchen", "<ordner>/t.tsv", "--spalte", "Name", "--gemarkung", "Nordheim"}},
+        {{"suchen", "<ordner>/t.tsv", "--spalte"}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "x.lst"}}, {{"markieren", "<ordner>/t.tsv", "--out", "y.tsv"}},
+        {{"markieren", "--liste", "x.lst", "--out", "y.tsv"}},
+        {{"markieren", "<ordner>/t.tsv", "--liste", "x.lst", "--out", "y.tsv", "--gibtsnicht"}},
+    });
 }
 
-TEST_F(CliTest, MusterkreisSchnellUndKomplett) {
-    const auto datei = ordner / "kreis.wldge";
-    std::filesystem::copy_file(
-        std::filesystem::path(FLURIX_QUELLEN) / "samples" / "musterkreis_format32.wldge", datei);
-    // One row per owner; the parcel on a folio that the extract lacks has no owner.
-    EXPECT_EQ(Lauf({"import", datei.string(), "--schnell"}), 0);
-    EXPECT_EQ(aus.str(), "7 Zeilen eingelesen\n");
-    EXPECT_EQ(fehler.str(),
-              "In der ALB-Datei wurde(n) 1 Flurstück(e) ohne Eigentümer vorgefunden!   \n");
-    EXPECT_EQ(Lauf({"import", datei.string(), "--alle-eigentuemer-in-einer-zeile"}), 0);
-    EXPECT_EQ(aus.str(), "4 Zeilen eingelesen\n");
-    const auto tabelle = ordner / "kreis.tsv";
-    EXPECT_EQ(Lauf({"import", datei.string(), "--komplett", "--out", tabelle.string()}), 0);
-    EXPECT_EQ(fehler.str(), "");
-    EXPECT_EQ(aus.str(), "6 Zeilen eingelesen\n");
-    const std::string tsv = DateiLesen(tabelle);
-    EXPECT_NE(tsv.find("\tDr. Mustermann, Max\t"), std::string::npos);
-    EXPECT_NE(tsv.find("\tLand_aus_Bestandsdaten\t"), std::string::npos);
-    EXPECT_EQ(Lauf({"import", datei.string(), "--komplett", "--schnell"}), 2);
-    EXPECT_EQ(Lauf({"import", (ordner / "liste.txt").string()}), 2);
-    EXPECT_EQ(Lauf({"import", datei.string(), "--out"}), 2);
+// The register extract with a fixed date (2024-01-31 09:00:00 UTC): the PDF byte for byte, the
+// file names in the working directory, and the messages of bad calls.
+TEST_F(CliGolden, Auszug) {
+    ::setenv("SOURCE_DATE_EPOCH", "1706691600", 1);
+    fs::copy_file(test::Testdaten() / "report" / "flurstuecke_zwei_und_vierzehn_eigentuemer.tsv", ordner / "t.tsv");
+    const auto auszug = [](std::vector<std::string> optionen) {
+        optionen.insert(optionen.begin(), {"auszug", "<ordner>/t.tsv"});
+        return Aufruf{optionen};
+    };
+    Laufen("auszug", {
+        {auszug({"--zeile", "5", "--out", "<ordner>/a.pdf", "--titel", "Flurix Test"}).argumente,
+         {{"a.pdf", "auszug_vierzehn_eigentuemer.pdf"}}},
+        auszug({"--zeile", "1"}), auszug({"--zeile", "2"}), auszug({"--fkz", "14120100200007000"}),
+        auszug({"--zeile", "17"}), auszug({}), auszug({"--zeile", "1", "--fkz", "1"}), auszug({"--zeile", "0"}),
+        auszug({"--zeile", "18"}), auszug({"--zeile", "x1"}), auszug({"--fkz", "999"}),
+    });
+    for (const char* name : {"ALB-120101-001-123.pdf", "ALB-120101-002-7.pdf", "ALB-120101-002-8.pdf"})
+        EXPECT_EQ(DateiLesen(ordner / "arbeit" / name).substr(0, 8), "%PDF-1.1") << name;
+    ::setenv("SOURCE_DATE_EPOCH", "gestern", 1);
+    std::ostringstream aus, fehler;
+    EXPECT_EQ(Ausführen({"auszug", (ordner / "t.tsv").string(), "--zeile", "1"}, aus, fehler, umgebung), 2);
+    EXPECT_NE(fehler.str().find("SOURCE_DATE_EPOCH"), std::string::npos);
+    ::unsetenv("SOURCE_DATE_EPOCH");
 }
 
-TEST_F(CliTest, GespeicherteTabelleWirdEingelesenUndAlsTsvGeschrieben) {
-    const auto fil = ordner / "tabelle.fil";
-    DateiSchreiben(fil, "FLURIX-TABELLE\t1\nspalten\t2\n"
-                        "Gemarkung\tGemarkung\t1200\t1\t1\nName\tEigentümer\t2400\t1\t0\n"
-                        "zeilen\t00000000000000000002\nNord\tMeier\\nSchulze\nSüd\t\n");
-    const auto tsv = ordner / "tabelle.tsv";
-    EXPECT_EQ(Lauf({"import", fil.string(), "--out", tsv.string()}), 0);
-    EXPECT_EQ(aus.str(), "2 Zeilen eingelesen\n");
-    // A saved table gets its check box column back.
-    const std::string erwartet = "Gemarkung\tName\tcheckdruck\nNord\tMeier\\nSchulze\t\nSüd\t\t\n";
-    EXPECT_EQ(DateiLesen(tsv), erwartet);
-
-    DateiSchreiben(fil, "FLURIX-TABELLE\t1\nspalten\t1\nA\tA\t1\t1\t0\nzeilen\t00000000000000000003\nx\n");
-    EXPECT_EQ(Lauf({"import", fil.string(), "--out", tsv.string()}), 1);
-    EXPECT_NE(fehler.str().find("Während des Lesens der Daten aus der Datei"), std::string::npos);
-    EXPECT_EQ(DateiLesen(tsv), erwartet); // unchanged
-}
-
-TEST_F(CliTest, KonfigSichernUndEinlesen) {
+TEST_F(CliGolden, KonfigSichernUndEinlesen) {
     const auto konfig = ordner / "inst" / "config";
     DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "Kataster ALKIS=Flur\r\n");
-    const auto archiv = ordner / "sicherung.zip";
-    EXPECT_EQ(Lauf({"konfig", "sichern", archiv.string()}), 0);
-    DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "verändert");
-    EXPECT_EQ(Lauf({"konfig", "einlesen", archiv.string()}), 0);
-    EXPECT_EQ(DateiLesen(konfig / "ALB_DatenbankSpalten.dat"), "Kataster ALKIS=Flur\r\n");
-    EXPECT_EQ(Lauf({"konfig", "packen", archiv.string()}), 2);
-
     DateiSchreiben(konfig / "Flurix.dat", "StartMapWebService =\r\nStartMapWebServiceKoo =\r\n");
-    EXPECT_EQ(Lauf({"konfig", "starteinstellung", "TopPlusOpen", "350000;5600000", "25832", "500"}), 0);
-    EXPECT_EQ(DateiLesen(konfig / "Flurix.dat"),
-              "StartMapWebService =TopPlusOpen\r\nStartMapWebServiceKoo =350000;5600000\r\n");
-    EXPECT_EQ(fehler.str(), "Web-Service, Zentrumskoordinate, Maßstab und EPSG als "
-                            "Standardvoreinstellung übernehmen?   \nSystemdatei Flurix.dat "
-                            "erfolgreich geändert!   \n");
+    Laufen("konfig", {
+        {{"konfig", "sichern", "<ordner>/sicherung.zip"}},
+        {{"konfig", "starteinstellung", "TopPlusOpen", "350000;5600000", "25832", "500"},
+         {{"inst/config/Flurix.dat", "konfig_Flurix.dat"}}},
+        {{"konfig", "packen", "<ordner>/sicherung.zip"}},
+    });
+    DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "verändert");
+    std::ostringstream aus, fehler;
+    EXPECT_EQ(Ausführen({"konfig", "einlesen", (ordner / "sicherung.zip").string()}, aus, fehler, umgebung), 0);
+    EXPECT_EQ(DateiLesen(konfig / "ALB_DatenbankSpalten.dat"), "Kataster ALKIS=Flur\r\n");
 }
 
 // The program itself, under a comma-decimal locale: the same bytes as under the C locale.
-TEST_F(CliTest, GleicheAusgabeUnterDeutscherLocale) {
+TEST(CliProgramm, GleicheAusgabeUnterDeutscherLocale) {
     const std::string programm = std::string(FLURIX_BINAER) + "/flurix";
-    if (!std::filesystem::exists(programm))
+    if (!fs::exists(programm))
         GTEST_SKIP() << "flurix nicht gebaut";
     const auto lauf = [&](const std::string& locale) {
-        const std::string befehl = "LC_ALL=" + locale + " FLURIX_HOME=" +
-                                   (ordner / "inst").string() + " " + programm +
-                                   " erkennen " FLURIX_QUELLEN "/samples/musterkreis_format32.wldge 2>&1";
-        std::string ausgabe;
-        if (FILE* rohr = ::popen(befehl.c_str(), "r")) {
-            char puffer[4096];
-            for (std::size_t n; (n = std::fread(puffer, 1, sizeof puffer, rohr)) > 0;)
-                ausgabe.append(puffer, n);
-            ::pclose(rohr);
-        }
-        return ausgabe;
+        return test::Ausführen("LC_ALL=" + locale + " " + programm + " erkennen " +
+                               test::Wort(Quellen / "samples" / "musterkreis_format32.wldge") + " 2>&1").ausgabe;
     };
     const std::string c = lauf("C");
     EXPECT_NE(c.find("Abgabeformat"), std::string::npos);

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace flurix {
 namespace {
 
@@ -83,32 +85,32 @@ TEST_F(ProgrammTest, OhneEinstellungsdateiGeltenDieVorgaben) {
     EXPECT_TRUE(ui.Meldungen().empty());
 }
 
-TEST_F(ProgrammTest, NichtBeschreibbaresArbeitsverzeichnisBeendet) {
+// Each of these ends the program before it opens a window, with its message and title.
+TEST_F(ProgrammTest, StartfehlerBeenden) {
     DateiSchreiben(ordner / "datei", "ich bin eine Datei");
     const auto unmöglich = ordner / "datei" / "arbeit";
-    Einstellungen("tempArbeitsverzeichnis =" + unmöglich.string() + "/\r\n");
-    const Ergebnis e = Starten("");
-    EXPECT_EQ(e.status(), Ergebnis::Status::Beenden);
-    EXPECT_EQ(ui.Meldungen(), std::vector<std::string>{
-                                  "Das Arbeitsverzeichnis: \"" + unmöglich.string() +
-                                  "/\" konnte nicht erstellt werden.\nBitte prüfen Sie Ihre Lese- "
-                                  "und Schreibrechte,\noder informieren Ihren "
-                                  "System-Administrator!\nAbbruch!   "});
-    EXPECT_EQ(ui.Ereignisse().back().titel, "Flurix");
-}
-
-TEST_F(ProgrammTest, FehlenderDienstkatalogBeendet) {
-    std::filesystem::remove(ordner / "config" / "WebService.fil");
-    EXPECT_EQ(Starten("").status(), Ergebnis::Status::Beenden);
-    EXPECT_EQ(ui.Meldungen(),
-              std::vector<std::string>{"Flurix nicht korrekt installiert! Abbruch!   "});
-    EXPECT_EQ(ui.Ereignisse().back().titel, "MAP-Viewer");
-}
-
-TEST_F(ProgrammTest, AuftragOhnePfadBeendet) {
-    EXPECT_EQ(Starten("kreis.wldge").status(), Ergebnis::Status::Beenden);
-    EXPECT_EQ(ui.Meldungen(),
-              std::vector<std::string>{"Fehlerhafte Auftragspfadbeschreibung! Abbruch!   "});
+    struct Fall {
+        std::function<void()> vorher;
+        std::string zeile, meldung, titel;
+    };
+    const Fall fälle[] = {
+        {[&] { Einstellungen("tempArbeitsverzeichnis =" + unmöglich.string() + "/\r\n"); }, "",
+         "Das Arbeitsverzeichnis: \"" + unmöglich.string() + "/\" konnte nicht erstellt werden.\nBitte prüfen "
+         "Sie Ihre Lese- und Schreibrechte,\noder informieren Ihren System-Administrator!\nAbbruch!   ", "Flurix"},
+        {[&] { Einstellungen("tempArbeitsverzeichnis =" + arbeit.string() + "/\r\n");
+                std::filesystem::remove(ordner / "config" / "WebService.fil"); }, "",
+         "Flurix nicht korrekt installiert! Abbruch!   ", "MAP-Viewer"},
+        {[&] { DateiSchreiben(ordner / "config" / "WebService.fil", ""); }, "kreis.wldge",
+         "Fehlerhafte Auftragspfadbeschreibung! Abbruch!   ", "Flurix"},
+    };
+    for (const auto& f : fälle) {
+        SCOPED_TRACE(f.meldung);
+        f.vorher();
+        SkriptOberfläche frisch;
+        EXPECT_EQ(Programmstart(zustand, f.zeile, format, frisch).status(), Ergebnis::Status::Beenden);
+        EXPECT_EQ(frisch.Meldungen(), std::vector<std::string>{f.meldung});
+        EXPECT_EQ(frisch.Ereignisse().back().titel, f.titel);
+    }
 }
 
 TEST_F(ProgrammTest, AuftragspfadWirdStartordnerDerDialoge) {
@@ -179,12 +181,6 @@ TEST_F(ProgrammTest, StarteinstellungSchreibtDieVierSchlüssel) {
     for (const auto& e : std::filesystem::directory_iterator(ordner / "config"))
         kopien += e.path().filename().string().starts_with("Flurix.dat_") ? 1 : 0;
     EXPECT_EQ(kopien, 1);
-}
-
-TEST(FensterTitel, VersionImTitel) {
-    EXPECT_EQ(FensterTitel(), "Flurix V" + std::to_string(FLURIX_VERSION_MAJOR) + "." +
-                                  std::to_string(FLURIX_VERSION_MINOR) + "(" +
-                                  std::to_string(FLURIX_VERSION_REVISION) + ")");
 }
 
 } // namespace

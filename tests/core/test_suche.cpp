@@ -191,16 +191,6 @@ TEST(CmdFlurixSuchbegriff, AufgefülltDannWieEingegebenInAllenDreiFormen) {
     }
 }
 
-TEST(CmdFlurixSuchbegriff, SortiertNachGemarkungsschlüsselUndEigentümerposition) {
-    Kataster k = Suchtabelle();
-    SkriptOberfläche ui;
-    CmdFlurixSuchbegriff(k, "Name", "Krause", std::nullopt, false, nullptr, ui);
-    // "Grunbuchblatt" is no column: Gemarkungsschlüssel decides, then Eigentümerposition, and
-    // rows equal in both keep their order (the sort is stable).
-    EXPECT_EQ(Zellen(k, "Nr", false), (std::vector<std::string>{"3", "4", "5", "2", "1", "6"}));
-    EXPECT_EQ(GewählteNummern(k), std::vector<std::string>{"5"});
-}
-
 TEST(CmdFlurixSuchbegriff, ImLageplanWerdenTrefferMarkiertUndNummeriert) {
     Kataster k = Suchtabelle();
     SkriptOberfläche ui;

@@ -1,8 +1,6 @@
 #include "beispiel.hpp"
 
-#include <array>
-#include <cstdio>
-#include <memory>
+#include "gemeinsam/testumgebung.hpp"
 
 namespace flurix::test {
 
@@ -36,17 +34,8 @@ std::vector<std::pair<std::string, std::string>> Fragen(const SkriptOberfläche&
 }
 
 std::optional<std::string> Befehl(const std::string& befehl) {
-    std::unique_ptr<FILE, int (*)(FILE*)> rohr(::popen(befehl.c_str(), "r"), ::pclose);
-    if (!rohr)
-        return std::nullopt;
-    std::string ausgabe;
-    std::array<char, 4096> puffer{};
-    std::size_t n = 0;
-    while ((n = std::fread(puffer.data(), 1, puffer.size(), rohr.get())) > 0)
-        ausgabe.append(puffer.data(), n);
-    if (::pclose(rohr.release()) != 0)
-        return std::nullopt;
-    return ausgabe;
+    auto lauf = Ausführen(befehl);
+    return lauf.status == 0 ? std::optional(std::move(lauf.ausgabe)) : std::nullopt;
 }
 
 std::string Python() {

@@ -1,5 +1,6 @@
 #include "gemeinsam/testumgebung.hpp"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdio>
@@ -42,6 +43,35 @@ std::string DateiLesen(const std::filesystem::path& pfad) {
     std::ostringstream puffer;
     puffer << ein.rdbuf();
     return puffer.str();
+}
+
+std::string GoldenVergleich(std::string_view ist, const std::filesystem::path& erwartet) {
+    const char* neu = std::getenv("FLURIX_GOLDEN_NEU");
+    if (neu && std::string_view(neu) == "1") {
+        DateiSchreiben(erwartet, ist);
+        return {};
+    }
+    if (!std::filesystem::exists(erwartet))
+        return erwartet.string() + " fehlt (FLURIX_GOLDEN_NEU=1 schreibt sie)";
+    const std::string soll = DateiLesen(erwartet);
+    if (soll == ist)
+        return {};
+    // The first line that differs, counted from 1, with both versions.
+    std::size_t anfang = 0, zeile = 1;
+    while (anfang < soll.size() && anfang < ist.size()) {
+        const std::size_t ende = std::min(soll.find('\n', anfang), soll.size());
+        if (soll.compare(anfang, ende - anfang + 1, ist, anfang, ende - anfang + 1) != 0)
+            break;
+        anfang = ende + 1;
+        ++zeile;
+    }
+    const auto Zeile = [&](const std::string& text) {
+        if (anfang >= text.size())
+            return std::string("<Dateiende>");
+        return text.substr(anfang, std::min(text.find('\n', anfang), text.size()) - anfang);
+    };
+    return erwartet.filename().string() + ", Zeile " + std::to_string(zeile) + "\n  erwartet: " +
+           Zeile(soll) + "\n  erhalten: " + Zeile(std::string(ist));
 }
 
 std::filesystem::path Testdaten() { return FLURIX_TESTDATEN; }

@@ -42,6 +42,12 @@ struct Programmlauf {
 /// Runs a command through the shell and collects its standard output.
 Programmlauf Ausführen(const std::string& befehl);
 
+/// Compares `ist` with the expected file `erwartet` byte for byte. Returns "" when they are equal,
+/// else the file's name and its first differing line, expected and got. With FLURIX_GOLDEN_NEU=1
+/// in the environment it writes `ist` as the new expected file instead (and returns ""): run the
+/// tests that way only on purpose, and read `git diff` before keeping the files.
+std::string GoldenVergleich(std::string_view ist, const std::filesystem::path& erwartet);
+
 /// Folder of the fixtures in the source tree.
 std::filesystem::path Testdaten();
 /// The shared test data beside the repository (may be absent).

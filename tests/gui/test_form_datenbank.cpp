@@ -274,25 +274,6 @@ TEST_F(Fenster, AuswahlImGridGehtInDieTabelle) {
 
 // --- the marking group ---------------------------------------------------------------------------
 
-TEST_F(Fenster, MarkierungsgruppeHatAlleAktionen) {
-    Tabellenfenster t;
-    auto* knopf = t.Element<QToolButton>("btnMarkierung");
-    ASSERT_NE(knopf, nullptr);
-    ASSERT_NE(knopf->menu(), nullptr);
-    QStringList namen;
-    for (QAction* a : knopf->menu()->actions())
-        if (!a->isSeparator())
-            namen << a->objectName();
-    namen.sort();
-    QStringList erwartet{
-        QStringLiteral("btnDbEigentümerGGStempel"), QStringLiteral("btnDbFlurstückMarkieren"),
-        QStringLiteral("btnDbMarkerErzeugen"),      QStringLiteral("btnDbMarkierungAlle"),
-        QStringLiteral("btnDbMarkierungErzeugen"),  QStringLiteral("btnDbMarkierungLaden"),
-        QStringLiteral("btnDbMarkierungLöschen"),   QStringLiteral("btnDbMarkierungSpeichern")};
-    erwartet.sort();
-    EXPECT_EQ(namen, erwartet);
-}
-
 TEST_F(Fenster, MarkierenUndLöschenÜberDieGruppe) {
     Tabellenfenster t;
     t.ZeilenWählen({3, 4});

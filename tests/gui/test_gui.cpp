@@ -50,14 +50,6 @@ using test::Warten;
 
 using GuiTest = ::testing::Test;
 
-TEST_F(GuiTest, FensterTitelNenntVersionUndRevision) {
-    Hauptfenster h;
-    EXPECT_EQ(h.fenster.windowTitle(), QStringLiteral("Flurix V%1.%2(%3)")
-                                           .arg(FLURIX_VERSION_MAJOR)
-                                           .arg(FLURIX_VERSION_MINOR)
-                                           .arg(FLURIX_VERSION_REVISION));
-}
-
 TEST_F(GuiTest, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen) {
     Hauptfenster h;
     {
@@ -98,19 +90,6 @@ TEST_F(GuiTest, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen)
           "libzip .*: BSD-3-Clause", "libxlsxwriter .*: BSD-2-Clause"})
         EXPECT_TRUE(info.contains(QRegularExpression(QString::fromUtf8(bibliothekUndLizenz))))
             << bibliothekUndLizenz;
-}
-
-TEST_F(GuiTest, StatusleisteHatSechsPanelsUndDasErsteZeigtStatus) {
-    Hauptfenster h;
-    for (int n = 1; n <= 6; ++n) {
-        const auto gefunden = h.fenster.statusBar()->findChildren<QLabel*>(QString::number(n));
-        ASSERT_EQ(gefunden.size(), 1) << "panel " << n;
-        EXPECT_EQ(gefunden.front(), h.fenster.StatusPanel(n));
-        EXPECT_EQ(gefunden.front()->text(), n == 1 ? QStringLiteral("Status  ") : QString())
-            << "panel " << n;
-    }
-    EXPECT_EQ(h.fenster.StatusPanel(0), nullptr);
-    EXPECT_EQ(h.fenster.StatusPanel(7), nullptr);
 }
 
 TEST_F(GuiTest, StatusSchreibtNurDasGenanntePanelAlsUtf8) {

@@ -136,30 +136,6 @@ TEST(Zeilenenden, BeideWandlerMitUndOhneErsetzen) {
     }
 }
 
-TEST(UnixToPcDatei, StatusJeBlockUndBeimAbbruch) {
-    struct Fall {
-        const char* name;
-        std::string inhalt;
-        std::vector<std::string> status;
-    };
-    const Fall fälle[] = {
-        {"UNIX-Datei", "a\nb\n", {"0 Mbyte UNIX-Prüfung  "}},
-        {"PC-Datei", "a\r\nb\r\n", {"0 Mbyte UNIX-Prüfung  ", "UNIX-Prüfung ohne Fehler  "}},
-        {"leere Datei", "", {}},
-        {"zweieinhalb Blöcke",
-         std::string(Block * 5 / 2, 'x'),
-         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", "2 Mbyte UNIX-Prüfung  "}},
-    };
-    for (const auto& f : fälle) {
-        SCOPED_TRACE(f.name);
-        TempOrdner ordner;
-        DateiSchreiben(ordner / "a.wldge", f.inhalt);
-        SkriptOberfläche ui;
-        UnixToPcDatei(ordner / "a.wldge", true, ui);
-        EXPECT_EQ(StatusTexte(ui), f.status);
-    }
-}
-
 using Schnitt = std::pair<std::string_view, std::string_view>;
 
 /// Text whose block boundaries each cut one pair of `schnitte` apart, the list taken `runden` times.
@@ -194,21 +170,26 @@ std::string UnixTextMitCrLfAb(std::size_t länge) {
     return text;
 }
 
-TEST(UnixToPcDatei, CrLfInEinemSpäterenBlockLässtDieDateiUnberührt) {
+// Status per block of a million bytes; a CR LF anywhere, even in a later block, leaves the file as it is.
+TEST(UnixToPcDatei, StatusJeBlockUndCrLfInEinemSpäterenBlock) {
     struct Fall {
         const char* name;
         std::string inhalt;
+        bool umgewandelt;
         std::vector<std::string> status;
     };
+    const std::string ohne = "UNIX-Prüfung ohne Fehler  ";
     const Fall fälle[] = {
-        {"CR LF über der Blockgrenze",
-         std::string(Block - 1, 'x') + "\r\ny\n",
-         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", "UNIX-Prüfung ohne Fehler  "}},
-        {"CR LF erst hinter 32.000 Zeichen", UnixTextMitCrLfAb(40'000),
-         {"0 Mbyte UNIX-Prüfung  ", "UNIX-Prüfung ohne Fehler  "}},
-        {"CR LF erst im dritten Block", UnixTextMitCrLfAb(2 * Block + 500),
-         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", "2 Mbyte UNIX-Prüfung  ",
-          "UNIX-Prüfung ohne Fehler  "}},
+        {"UNIX-Datei", "a\nb\n", true, {"0 Mbyte UNIX-Prüfung  "}},
+        {"PC-Datei", "a\r\nb\r\n", false, {"0 Mbyte UNIX-Prüfung  ", ohne}},
+        {"leere Datei", "", true, {}},
+        {"zweieinhalb Blöcke", std::string(Block * 5 / 2, 'x'), true,
+         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", "2 Mbyte UNIX-Prüfung  "}},
+        {"CR LF über der Blockgrenze", std::string(Block - 1, 'x') + "\r\ny\n", false,
+         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", ohne}},
+        {"CR LF erst hinter 32.000 Zeichen", UnixTextMitCrLfAb(40'000), false, {"0 Mbyte UNIX-Prüfung  ", ohne}},
+        {"CR LF erst im dritten Block", UnixTextMitCrLfAb(2 * Block + 500), false,
+         {"0 Mbyte UNIX-Prüfung  ", "1 Mbyte UNIX-Prüfung  ", "2 Mbyte UNIX-Prüfung  ", ohne}},
     };
     for (const auto& f : fälle) {
         SCOPED_TRACE(f.name);
@@ -216,8 +197,10 @@ TEST(UnixToPcDatei, CrLfInEinemSpäterenBlockLässtDieDateiUnberührt) {
         const auto datei = ordner / "a.wldge";
         DateiSchreiben(datei, f.inhalt);
         SkriptOberfläche ui;
-        EXPECT_FALSE(UnixToPcDatei(datei, true, ui));
-        EXPECT_EQ(DateiLesen(datei), f.inhalt);
+        EXPECT_EQ(UnixToPcDatei(datei, true, ui), f.umgewandelt);
+        if (!f.umgewandelt) {
+            EXPECT_EQ(DateiLesen(datei), f.inhalt);
+        }
         EXPECT_FALSE(fs::exists(Zwischenpfad(datei)));
         EXPECT_EQ(StatusTexte(ui), f.status);
     }
@@ -324,14 +307,10 @@ void ErwarteFehlerMitDateiname(const fs::path& datei) {
     }
 }
 
-TEST(Textvorbereitung, FehlendeDateiWirdMitNamenGemeldet) {
-    TempOrdner ordner;
-    ErwarteFehlerMitDateiname(ordner / "fehlt.wldge");
-}
-
-TEST(Textvorbereitung, OrdnerStattDateiWirdGemeldetOhneZwischendatei) {
+TEST(Textvorbereitung, FehlendeDateiUndOrdnerWerdenMitNamenGemeldet) {
     TempOrdner ordner;
     fs::create_directory(ordner / "ordner.wldge");
+    ErwarteFehlerMitDateiname(ordner / "fehlt.wldge");
     ErwarteFehlerMitDateiname(ordner / "ordner.wldge");
 }
 
@@ -504,51 +483,19 @@ TEST(AnsiUnixToAnsiPcString, FortschrittBeiJederMillionstenZeile) {
 
 // --- Character correction ----------------------------------------------------------------------
 
-TEST(ZeichenKorrektur, DeutscheBuchstabenAusAltenCodes) {
-    struct Fall {
-        unsigned char alt;
-        const char* utf8; // what the Windows-1252 result reads as
+TEST(ZeichenKorrektur, AlteCodesWerdenUmlauteByte26FälltWegAnderesBleibt) {
+    const std::pair<std::string, std::string> fälle[] = {
+        {"a\x8E\x9A\x99\x84\x81\x94\xE1" "b", "aÄÜÖäüöß" "b"}, // the DOS codes
+        {"{|}~", "äöüß"}, {"M\x84{del", "Määdel"},          // two codes for "ä": two "ä"
+        {"Ende\x1A", "Ende"}, {"\x1A\x1A", ""}, {"a\x1A{b\x1A", "aäb"}, {"[\\]", "[\\]"},
+        {"Stra\xDF" "e M\xFC" "ller", "Straße Müller"}, // Windows-1252 passes unchanged
+        {std::string("a\0b", 3), std::string("a\0b", 3)}, {"", ""},
     };
-    const Fall fälle[] = {
-        {142, "Ä"}, {154, "Ü"}, {153, "Ö"}, {132, "ä"}, {129, "ü"}, {148, "ö"},
-        {225, "ß"}, {'{', "ä"}, {'|', "ö"}, {'}', "ü"}, {'~', "ß"},
-    };
-    for (const auto& f : fälle) {
-        std::string zeile = "a";
-        zeile += static_cast<char>(f.alt);
-        zeile += "b";
+    for (const auto& [ein, utf8] : fälle) {
+        std::string zeile = ein;
         ZeichenKorrektur(zeile);
-        EXPECT_EQ(Cp1252NachUtf8(zeile), std::string("a") + f.utf8 + "b") << int{f.alt};
+        EXPECT_EQ(Cp1252NachUtf8(zeile), utf8) << testing::PrintToString(ein);
     }
-}
-
-TEST(ZeichenKorrektur, ZweiCodesFürÄGebenZweimalÄ) {
-    std::string zeile = "M\x84{del";
-    ZeichenKorrektur(zeile);
-    EXPECT_EQ(zeile, "M\xE4\xE4" "del");
-    EXPECT_EQ(Cp1252NachUtf8(zeile), "Määdel");
-}
-
-TEST(ZeichenKorrektur, Byte26EntferntAndereBytesBleiben) {
-    struct Fall {
-        std::string ein;
-        std::string aus;
-    };
-    const Fall fälle[] = {
-        {"Ende\x1A", "Ende"},
-        {"\x1A\x1A", ""},
-        {"a\x1A{b\x1A", "a\xE4" "b"},
-        {"[\\]", "[\\]"},
-        {"Stra\xDF" "e M\xFC" "ller", "Stra\xDF" "e M\xFC" "ller"}, // Windows-1252 passes unchanged
-        {std::string("a\0b", 3), std::string("a\0b", 3)},
-        {"", ""},
-    };
-    for (const auto& f : fälle) {
-        std::string zeile = f.ein;
-        ZeichenKorrektur(zeile);
-        EXPECT_EQ(zeile, f.aus) << testing::PrintToString(f.ein);
-    }
-
     const std::string geändert = std::string("\x8E\x9A\x99\x84\x81\x94\xE1{|}~\x1A");
     for (int b = 0; b < 256; ++b) {
         const char c = static_cast<char>(b);

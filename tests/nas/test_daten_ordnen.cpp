@@ -5,17 +5,16 @@
 #include "core/oberflaeche_skript.hpp"
 #include "core/text.hpp"
 #include "gemeinsam/testumgebung.hpp"
+#include "nas/tabellentext.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <iostream>
-#include <map>
+#include <set>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -269,80 +268,21 @@ TEST(DatenOrdnenFormen, KoordinatenUndBezugssystem) {
 
 // ---- The pass over a small Alkis ------------------------------------------------------------
 
-using Werte = std::map<std::string, std::optional<std::string>>;
+const std::filesystem::path Daten = test::Testdaten() / "nas";
 
-const std::vector<std::string>& AlleSpalten() {
-    static const std::vector<std::string> spalten = {"id",
-                                                     "Flurstückskennzeichen",
-                                                     "Gemeindeschlüssel",
-                                                     "Grundbuchblatt",
-                                                     "BVNR",
-                                                     "Buchungsart",
-                                                     "Namensnummer",
-                                                     "Geburtsdatum",
-                                                     "Nutzung_tatsächlich",
-                                                     "Nutzungsart",
-                                                     "Fläche",
-                                                     "Bodenart",
-                                                     "Angaben_Klassifizierung",
-                                                     "Landkreis",
-                                                     "Dienststelle",
-                                                     "Katasteramt",
-                                                     "Amtsgericht",
-                                                     "Land",
-                                                     "buchungsblattbezirk",
-                                                     "Flurstück",
-                                                     "FKZ-Original",
-                                                     "Nachname_sonstiges",
-                                                     "Vorname_sonstiges",
-                                                     "Name",
-                                                     "Namenszusatz",
-                                                     "Strassenname",
-                                                     "Hausnummer",
-                                                     "Straße",
-                                                     "PLZ",
-                                                     "Ort",
-                                                     "AntragsNr",
-                                                     "Anteil_Grundstück",
-                                                     "Anteil_Sondereigentum",
-                                                     "Anteil_Buchungsstelle_Zähler",
-                                                     "Anteil_Buchungsstelle_Nenner",
-                                                     "sonstigesBOV",
-                                                     "Rechtswert",
-                                                     "Hochwert",
-                                                     "UmringFlurstück",
-                                                     "MKZ",
-                                                     "EPSG",
-                                                     "IDlfd_Nr",
-                                                     "Eigentümerposition",
-                                                     "Flächendifferenz"};
-    return spalten;
-}
-
-void TabelleMitTexten(Datenbank& db, std::string_view name,
-                      const std::vector<std::string>& spalten) {
-    std::vector<Feld> felder;
-    for (const auto& s : spalten)
-        felder.push_back({s, Feldtyp::Text});
-    db.TabelleAnlegen(name, felder);
-}
-
-void ZeileEinfügen(Datenbank& db, std::string_view tabelle, const Werte& werte) {
-    std::string namen;
-    std::string fragen;
-    for (const auto& [name, wert] : werte) {
-        namen += (namen.empty() ? "" : ", ") + Bezeichner(name);
-        fragen += fragen.empty() ? "?" : ", ?";
-    }
-    auto einfügen = db.VorbereitenNativ("INSERT INTO " + Bezeichner(tabelle) + " (" + namen +
-                                        ") VALUES (" + fragen + ")");
-    for (const auto& [name, wert] : werte) {
-        if (wert)
-            einfügen.Binde(std::string_view(*wert));
-        else
-            einfügen.Binde(nullptr);
-    }
-    einfügen.Schritt();
+/// Seven rows of Alkis, made in an order unlike the walk's, and the lookup tables of a small
+/// district (tests/daten/nas/daten_ordnen.tab says what each row is for); without the columns
+/// `ohne`.
+void KleineAlkis(Datenbank& db, const std::set<std::string>& ohne = {}) {
+    auto tabellen = test::TabellentexteLesen(Daten / "daten_ordnen.tab");
+    auto& alkis = tabellen.front();
+    for (std::size_t i = alkis.spalten.size(); i-- > 0;)
+        if (ohne.contains(alkis.spalten[i])) {
+            alkis.spalten.erase(alkis.spalten.begin() + static_cast<std::ptrdiff_t>(i));
+            for (auto& zeile : alkis.zeilen)
+                zeile.erase(zeile.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    test::TabellenAnlegen(db, tabellen);
 }
 
 /// The cell of the row with this id; std::nullopt for NULL.
@@ -354,174 +294,6 @@ std::optional<std::string> Zelle(Datenbank& db, std::string_view id, std::string
     if (abfrage.IstNull(0))
         return std::nullopt;
     return std::string(abfrage.Text(0));
-}
-
-/// The lookup tables of a small district: two counties, one Land, a cadastral office, two courts
-/// as offices, two land-register districts.
-void Schlüsseltabellen(Datenbank& db) {
-    TabelleMitTexten(db, "AX_KreisRegion", {"id", "schluessel", "schluesselGesamt", "bezeichnung"});
-    ZeileEinfügen(db, "AX_KreisRegion",
-                  {{"id", "k1"},
-                   {"schluessel", "07 2 31"},
-                   {"schluesselGesamt", "07231"},
-                   {"bezeichnung", "Bernkastel-Wittlich"}});
-    std::string lang;
-    for (int i = 0; i < 300; ++i)
-        lang += "Ä";
-    ZeileEinfügen(db, "AX_KreisRegion",
-                  {{"id", "k2"},
-                   {"schluessel", "08 1 11"},
-                   {"schluesselGesamt", "08111"},
-                   {"bezeichnung", lang}});
-    TabelleMitTexten(db, "AX_Bundesland", {"id", "schluessel", "schluesselGesamt", "bezeichnung"});
-    ZeileEinfügen(db, "AX_Bundesland",
-                  {{"id", "b1"},
-                   {"schluessel", "07"},
-                   {"schluesselGesamt", "07"},
-                   {"bezeichnung", "Rheinland-Pfalz"}});
-    TabelleMitTexten(db, "AX_Dienststelle",
-                     {"id", "schluessel", "schluesselGesamt", "bezeichnung"});
-    ZeileEinfügen(db, "AX_Dienststelle",
-                  {{"id", "d1"},
-                   {"schluessel", "07 3100"},
-                   {"schluesselGesamt", "073100"},
-                   {"bezeichnung", "Vermessungs- und Katasteramt Westeifel-Mosel"}});
-    // The court of "07 2566" is in the court list as well: the list wins.
-    ZeileEinfügen(db, "AX_Dienststelle",
-                  {{"id", "d2"},
-                   {"schluessel", "07 2408"},
-                   {"schluesselGesamt", "072408"},
-                   {"bezeichnung", "Wittlich"}});
-    ZeileEinfügen(db, "AX_Dienststelle",
-                  {{"id", "d3"},
-                   {"schluessel", "07 2409"},
-                   {"schluesselGesamt", "072409"},
-                   {"bezeichnung", "Bernkastel-Kues"}});
-    TabelleMitTexten(db, "AX_Buchungsblattbezirk",
-                     {"id", "schluessel", "schluesselGesamt", "bezeichnung", "gehoertZu"});
-    ZeileEinfügen(db, "AX_Buchungsblattbezirk",
-                  {{"id", "g1"},
-                   {"schluessel", "07 2566"},
-                   {"schluesselGesamt", "072566"},
-                   {"bezeichnung", "Bausendorf"},
-                   {"gehoertZu", "07 2408"}});
-    ZeileEinfügen(db, "AX_Buchungsblattbezirk",
-                  {{"id", "g2"},
-                   {"schluessel", "07 2567"},
-                   {"schluesselGesamt", "072567"},
-                   {"bezeichnung", "Olkenbach"},
-                   {"gehoertZu", "07 2409"}});
-}
-
-constexpr std::string_view AmtsgerichteText = "* Amtsgerichte\r\n"
-                                              "072408=Amtsgericht Wittlich\r\n"
-                                              "071111=Amtsgericht Irgendwo\r\n";
-
-constexpr std::string_view KennzeichenA = "07256600400003000000"; // three owners
-constexpr std::string_view KennzeichenB = "072566004000120003__"; // two folios
-constexpr std::string_view KennzeichenC = "07256600400050______";
-constexpr std::string_view KennzeichenD = "07256600500001000000";
-
-// Two rings joined by "|": the box spans both (x 389000.1 .. 389021.0004, y 5600000 ..
-// 5600021.2346).
-constexpr std::string_view UmringA = "389000.1 5600000;389010 5600000;389010 5600021.2346;"
-                                     "389000.1 5600000|389015 5600001;389021.0004 5600002;"
-                                     "389015 5600001";
-
-/// Seven rows, made in an order unlike the walk's.
-void KleineAlkis(Datenbank& db, const std::vector<std::string>& spalten) {
-    TabelleMitTexten(db, "Alkis", spalten);
-    auto zeile = [&](Werte werte) {
-        Werte vorhanden;
-        for (auto& [name, wert] : werte)
-            if (std::find(spalten.begin(), spalten.end(), name) != spalten.end())
-                vorhanden[name] = wert;
-        ZeileEinfügen(db, "Alkis", vorhanden);
-    };
-    const Werte a = {{"Flurstückskennzeichen", std::string(KennzeichenA)},
-                     {"Gemeindeschlüssel", "07231103"},
-                     {"Grundbuchblatt", "100"},
-                     {"BVNR", "0001"},
-                     {"Buchungsart", "1100"},
-                     {"buchungsblattbezirk", "07 2566"},
-                     {"Fläche", "49171.00"},
-                     {"Nutzung_tatsächlich", "Wohnbaufläche;Wald"},
-                     {"Nutzungsart", "AX_Wohnbauflaeche 1200.00;AX_Wald 300.50"},
-                     {"Bodenart", "L3V"},
-                     {"UmringFlurstück", std::string(UmringA)},
-                     {"Landkreis", "alt"},
-                     {"Dienststelle", "alt"},
-                     {"Amtsgericht", "alt"},
-                     {"Land", "alt"}};
-    auto mit = [](Werte basis, const Werte& dazu) {
-        for (const auto& [k, v] : dazu)
-            basis[k] = v;
-        return basis;
-    };
-    zeile(mit(a, {{"id", "r1"},
-                  {"Namensnummer", "0003"},
-                  {"Rechtswert", "389100.5"},
-                  {"Hochwert", "5600100.25"},
-                  {"Nachname_sonstiges", "Schmitz"},
-                  {"Vorname_sonstiges", ""},
-                  {"Anteil_Grundstück", "1 4"}}));
-    zeile(Werte{{"id", "r2"},
-                {"Flurstückskennzeichen", std::string(KennzeichenC)},
-                {"Gemeindeschlüssel", "09162000"},
-                {"Grundbuchblatt", "300"},
-                {"Namensnummer", "0001"},
-                {"buchungsblattbezirk", "07 2567"},
-                {"Landkreis", "alter Kreis"},
-                {"Land", "altes Land"},
-                {"Dienststelle", "alte Stelle"},
-                {"Katasteramt", "Katasteramt der Gemarkung"},
-                {"Rechtswert", "1"},
-                {"Hochwert", "2"},
-                {"Fläche", "abc"}});
-    zeile(mit(a, {{"id", "r3"},
-                  {"Namensnummer", "0001"},
-                  {"Rechtswert", ""},
-                  {"Hochwert", ""},
-                  {"Geburtsdatum", "1950-03-01"},
-                  {"Nachname_sonstiges", "Müller"},
-                  {"Vorname_sonstiges", "Hans"},
-                  {"Namenszusatz", "Schmidt"},
-                  {"Strassenname", "Hauptstraße"},
-                  {"Hausnummer", "12a"},
-                  {"PLZ", "54538"},
-                  {"Ort", "Bausendorf"},
-                  {"Anteil_Grundstück", "1 2"},
-                  {"Anteil_Buchungsstelle_Zähler", "25"},
-                  {"Anteil_Buchungsstelle_Nenner", "1000"}}));
-    zeile(Werte{{"id", "r4"},
-                {"Flurstückskennzeichen", std::string(KennzeichenB)},
-                {"Gemeindeschlüssel", "07231999"},
-                {"Grundbuchblatt", "200"},
-                {"Namensnummer", "0001"},
-                {"buchungsblattbezirk", "07 9999"},
-                {"Amtsgericht", "altes Gericht"},
-                {"Rechtswert", std::nullopt},
-                {"UmringFlurstück", ""},
-                {"Anteil_Buchungsstelle_Zähler", "3"},
-                {"Anteil_Buchungsstelle_Nenner", ""}});
-    zeile(mit(a, {{"id", "r5"},
-                  {"Namensnummer", "0002"},
-                  {"Rechtswert", " "},
-                  {"Hochwert", "1"},
-                  {"Geburtsdatum", "01.01.1960"}}));
-    zeile(Werte{{"id", "r6"},
-                {"Flurstückskennzeichen", std::string(KennzeichenD)},
-                {"Gemeindeschlüssel", "08111000"},
-                {"Grundbuchblatt", "400"},
-                {"Namensnummer", "0001"},
-                {"Land", std::nullopt},
-                {"Dienststelle", "alte Stelle"}});
-    zeile(Werte{{"id", "r7"},
-                {"Flurstückskennzeichen", std::string(KennzeichenB)},
-                {"Gemeindeschlüssel", "07231999"},
-                {"Grundbuchblatt", "150"},
-                {"Namensnummer", "0002"},
-                {"buchungsblattbezirk", "07 2566"}});
 }
 
 struct Lauf {
@@ -561,32 +333,27 @@ OrdnenUmgebung Umgebung() {
     OrdnenUmgebung u;
     u.antragsnummer = "A-2024-17";
     u.systemWert = "25832_32";
-    u.amtsgerichte = std::string(AmtsgerichteText);
+    // The court of "07 2566" is in the office table as well: the list wins.
+    u.amtsgerichte = "* Amtsgerichte\r\n072408=Amtsgericht Wittlich\r\n071111=Amtsgericht Irgendwo\r\n";
     return u;
 }
 
-TEST(DatenOrdnen, LaufendeNummerUndEigentümerpositionInDerReihenfolgeDesGangs) {
+/// A table Alkis of text columns with the rows given.
+void Alkis(Datenbank& db, std::vector<std::string> spalten, std::vector<std::vector<std::string>> zeilen) {
+    test::TabellenAnlegen(db, {{"Alkis", std::move(spalten), std::move(zeilen)}});
+}
+
+TEST(DatenOrdnen, JedeZelleDerSiebenZeilenNachDemGang) {
+    // Running number and owner position in the order of the walk (key, then folio before owner
+    // number); county, Land, office and court by their keys; the cells in their forms; the
+    // coordinates from the ring's box where Rechtswert is empty. Every cell, NULL included.
     Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, AlleSpalten());
+    KleineAlkis(*lauf.db);
     lauf.Ordnen(Umgebung());
     ASSERT_EQ(lauf.zeilen, 7);
-
-    // Order: key, then folio before owner number (B: folio 150 before 200).
-    struct Fall {
-        std::string_view id;
-        std::string_view lfdNr;
-        std::string_view position;
-    };
-    const Fall fälle[] = {
-        {"r3", "0001", "0001"}, {"r5", "0002", "0002"}, {"r1", "0003", "0003"},
-        {"r7", "0004", "0001"}, {"r4", "0005", "0002"}, {"r2", "0006", "0001"},
-        {"r6", "0007", "0001"},
-    };
-    for (const auto& f : fälle) {
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "IDlfd_Nr"), f.lfdNr) << f.id;
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Eigentümerposition"), f.position) << f.id;
-    }
+    EXPECT_EQ(test::GoldenVergleich(test::ZellenText(*lauf.db, "SELECT id, * FROM Alkis ORDER BY id"),
+                                    Daten / "daten_ordnen_ergebnis.txt"),
+              "");
 
     // Each row in the protocol file's list, in the walk's order.
     const std::vector<std::string> erwartet = {
@@ -601,48 +368,6 @@ TEST(DatenOrdnen, LaufendeNummerUndEigentümerpositionInDerReihenfolgeDesGangs) 
     EXPECT_EQ(lauf.ProtokollOhneZeit(), erwartet);
     // The window gets no line per row, and below 1,000 rows no status either.
     EXPECT_TRUE(lauf.ui.Ereignisse().empty());
-}
-
-TEST(DatenOrdnen, KreisLandDienststelleAmtsgerichtNachSchlüssel) {
-    Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, AlleSpalten());
-    lauf.Ordnen(Umgebung());
-    ASSERT_EQ(lauf.zeilen, 7);
-
-    std::string lang255;
-    for (int i = 0; i < 255; ++i)
-        lang255 += "Ä";
-    using O = std::optional<std::string>;
-    struct Fall {
-        std::string_view id;
-        O landkreis, land, dienststelle, amtsgericht;
-    };
-    const Fall fälle[] = {
-        // all found; the court from the court list, though the office table has "Wittlich" too
-        {"r3", "Bernkastel-Wittlich", "Rheinland-Pfalz",
-         "Vermessungs- und Katasteramt Westeifel-Mosel", "Amtsgericht Wittlich"},
-        {"r1", "Bernkastel-Wittlich", "Rheinland-Pfalz",
-         "Vermessungs- und Katasteramt Westeifel-Mosel", "Amtsgericht Wittlich"},
-        // district not known: the court is emptied
-        {"r4", "Bernkastel-Wittlich", "Rheinland-Pfalz",
-         "Vermessungs- und Katasteramt Westeifel-Mosel", ""},
-        // county and Land not found stay; no office of the municipality's key: the office of the
-        // Gemarkung; the court not in the list is the office of its key
-        {"r2", "alter Kreis", "altes Land", "Katasteramt der Gemarkung", "Bernkastel-Kues"},
-        // a county's name cut to 255 characters (not bytes); Land NULL stays NULL; no district
-        // at all: no court
-        {"r6", lang255, std::nullopt, "", ""},
-    };
-    for (const auto& f : fälle) {
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Landkreis"), f.landkreis) << f.id;
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Land"), f.land) << f.id;
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Dienststelle"), f.dienststelle) << f.id;
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Amtsgericht"), f.amtsgericht) << f.id;
-    }
-    // The district is sought blank-joined and shown compact.
-    EXPECT_EQ(Zelle(*lauf.db, "r1", "buchungsblattbezirk"), "072566");
-    EXPECT_EQ(Zelle(*lauf.db, "r4", "buchungsblattbezirk"), "079999");
     // The indexes the lookups seek by were made.
     for (const auto& [tabelle, spalte] :
          std::vector<std::pair<std::string, std::string>>{{"AX_KreisRegion", "schluessel"},
@@ -658,10 +383,9 @@ TEST(DatenOrdnen, OhneAmtsgerichtslisteUndOhneSchlüsseltabellen) {
     // Without the court list the office of the court's key gives the name; a missing table is
     // no error, its lookups find nothing.
     Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
+    KleineAlkis(*lauf.db);
     lauf.db->AusführenNativ("DROP TABLE AX_KreisRegion");
     lauf.db->AusführenNativ("DROP TABLE AX_Bundesland");
-    KleineAlkis(*lauf.db, AlleSpalten());
     OrdnenUmgebung u = Umgebung();
     u.amtsgerichte.clear();
     lauf.Ordnen(u);
@@ -675,94 +399,9 @@ TEST(DatenOrdnen, OhneAmtsgerichtslisteUndOhneSchlüsseltabellen) {
     EXPECT_FALSE(DAO_TabelleVorhanden(*lauf.db, "AX_KreisRegion"));
 }
 
-TEST(DatenOrdnen, ZellenEinerZeileInIhrenFormen) {
-    Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, AlleSpalten());
-    lauf.Ordnen(Umgebung());
-    ASSERT_EQ(lauf.zeilen, 7);
-
-    using O = std::optional<std::string>;
-    struct Fall {
-        std::string_view id;
-        std::string_view spalte;
-        O erwartet;
-    };
-    const Fall fälle[] = {
-        {"r3", "Geburtsdatum", "01.03.1950"},
-        {"r5", "Geburtsdatum", "01.01.1960"},
-        {"r1", "Geburtsdatum", std::nullopt}, // NULL stays NULL
-        {"r3", "Nutzung_tatsächlich", "AX_Wohnbauflaeche/Wohnbaufläche; AX_Wald/Wald"},
-        {"r3", "Nutzungsart", "Wohnbauflaeche (Wohnbaufläche)=1200.00; Wald (Wald)=300.50"},
-        {"r2", "Nutzung_tatsächlich", std::nullopt},
-        {"r2", "Nutzungsart", std::nullopt},
-        {"r3", "Flächendifferenz", "ohne Verteilung"},
-        {"r3", "Angaben_Klassifizierung", "L3V"},
-        {"r2", "Angaben_Klassifizierung", std::nullopt}, // Bodenart NULL
-        {"r3", "Flurstück", "00003/0000"},
-        {"r3", "FKZ-Original", "07256600400003______"},
-        {"r4", "Flurstück", "00012/0003"},
-        {"r4", "FKZ-Original", "072566004000120003__"},
-        {"r2", "Flurstück", "00050/0000"},
-        {"r2", "FKZ-Original", "07256600400050______"},
-        {"r3", "Fläche", "0049171.00"},
-        {"r2", "Fläche", "abc"},
-        {"r4", "Fläche", std::nullopt},
-        {"r3", "Name", "Müller, Hans"},
-        {"r1", "Name", "Schmitz"},
-        {"r4", "Name", ""},
-        {"r3", "Namenszusatz", "geb. Schmidt"},
-        {"r1", "Namenszusatz", std::nullopt},
-        {"r3", "Straße", "Hauptstraße 12a"},
-        {"r3", "Ort", "54538 Bausendorf"},
-        {"r4", "Straße", ""},
-        {"r4", "Ort", ""},
-        {"r3", "AntragsNr", "A-2024-17"},
-        {"r6", "AntragsNr", "A-2024-17"},
-        {"r3", "Anteil_Grundstück", "1/2"},
-        {"r1", "Anteil_Grundstück", "1/4"},
-        {"r3", "Anteil_Sondereigentum", "25/1000"},
-        {"r4", "Anteil_Sondereigentum", "3"},
-        {"r1", "Anteil_Sondereigentum", ""},
-        {"r3", "sonstigesBOV", "... ohne Prüfung"},
-        {"r3", "MKZ", "32"},
-        {"r3", "EPSG", "25832"},
-        {"r6", "EPSG", "25832"},
-    };
-    for (const auto& f : fälle)
-        EXPECT_EQ(Zelle(*lauf.db, f.id, f.spalte), f.erwartet) << f.id << " " << f.spalte;
-}
-
-TEST(DatenOrdnen, KoordinatenAusDemRingNurWennRechtswertLeer) {
-    Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, AlleSpalten());
-    lauf.Ordnen(Umgebung());
-    ASSERT_EQ(lauf.zeilen, 7);
-    using O = std::optional<std::string>;
-    struct Fall {
-        std::string_view id;
-        O rechts, hoch;
-    };
-    const Fall fälle[] = {
-        {"r3", "389010.55", "5600010.617"}, // empty: centre of both rings' box, 3 places
-        {"r5", "389010.55", "5600010.617"}, // a blank counts as empty; Hochwert replaced
-        {"r1", "389100.5", "5600100.25"},   // given: kept
-        {"r2", "1", "2"},                   // given, no ring
-        {"r4", std::nullopt, std::nullopt}, // empty ring: nothing to write
-    };
-    for (const auto& f : fälle) {
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Rechtswert"), f.rechts) << f.id;
-        EXPECT_EQ(Zelle(*lauf.db, f.id, "Hochwert"), f.hoch) << f.id;
-    }
-    // The ring itself is not touched.
-    EXPECT_EQ(Zelle(*lauf.db, "r3", "UmringFlurstück"), std::string(UmringA));
-}
-
 TEST(DatenOrdnen, OptionenSchaltenTexteUm) {
     Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, AlleSpalten());
+    KleineAlkis(*lauf.db);
     lauf.db->AusführenNativ("UPDATE Alkis SET \"Flächendifferenz\" = '12.5', sonstigesBOV = 'x'");
     OrdnenUmgebung u = Umgebung();
     u.optionen.nutzungOhneAx = true;
@@ -777,7 +416,7 @@ TEST(DatenOrdnen, OptionenSchaltenTexteUm) {
     // Each one of the four area computations keeps sonstigesBOV for its own check.
     for (int welche = 0; welche < 5; ++welche) {
         Lauf einzeln;
-        KleineAlkis(*einzeln.db, AlleSpalten());
+        KleineAlkis(*einzeln.db);
         einzeln.db->AusführenNativ("UPDATE Alkis SET sonstigesBOV = 'x'");
         OrdnenUmgebung o = Umgebung();
         o.optionen.mitNaBerechnung = welche == 0;
@@ -794,14 +433,8 @@ TEST(DatenOrdnen, OptionenSchaltenTexteUm) {
 TEST(DatenOrdnen, FehlendeSpaltenLassenIhrenSchrittAus) {
     // A user's own mapping script without land use kinds, rings, county, running number and
     // owner's first name.
-    std::vector<std::string> spalten;
-    for (const auto& s : AlleSpalten())
-        if (s != "Nutzungsart" && s != "UmringFlurstück" && s != "Landkreis" && s != "IDlfd_Nr" &&
-            s != "Vorname_sonstiges")
-            spalten.push_back(s);
     Lauf lauf;
-    Schlüsseltabellen(*lauf.db);
-    KleineAlkis(*lauf.db, spalten);
+    KleineAlkis(*lauf.db, {"Nutzungsart", "UmringFlurstück", "Landkreis", "IDlfd_Nr", "Vorname_sonstiges"});
     lauf.Ordnen(Umgebung());
     ASSERT_EQ(lauf.zeilen, 7);
     EXPECT_EQ(Zelle(*lauf.db, "r3", "Nutzung_tatsächlich"), "Wohnbaufläche;Wald");
@@ -813,9 +446,7 @@ TEST(DatenOrdnen, FehlendeSpaltenLassenIhrenSchrittAus) {
 
     // Hardly any column: the pass still walks every row.
     Lauf karg;
-    TabelleMitTexten(*karg.db, "Alkis", {"id", "Flurstückskennzeichen"});
-    ZeileEinfügen(*karg.db, "Alkis",
-                  {{"id", "x"}, {"Flurstückskennzeichen", "07256600400003000000"}});
+    Alkis(*karg.db, {"id", "Flurstückskennzeichen"}, {{"x", "07256600400003000000"}});
     karg.Ordnen(Umgebung());
     EXPECT_EQ(karg.zeilen, 1);
     EXPECT_EQ(karg.ProtokollOhneZeit().back(), ", Zeile ALKIS: 00001,FKZ: 07256600400003000000");
@@ -824,14 +455,8 @@ TEST(DatenOrdnen, FehlendeSpaltenLassenIhrenSchrittAus) {
 TEST(DatenOrdnen, SpaltennamenWieJetSieVergleicht) {
     // Names compared without regard to case, "ß" as "ss".
     Lauf lauf;
-    TabelleMitTexten(
-        *lauf.db, "Alkis",
-        {"id", "FLURSTÜCKSKENNZEICHEN", "flurstück", "Strasse", "STRASSENNAME", "hausnummer"});
-    ZeileEinfügen(*lauf.db, "Alkis",
-                  {{"id", "x"},
-                   {"FLURSTÜCKSKENNZEICHEN", "072566004000120003__"},
-                   {"STRASSENNAME", "Am Bach"},
-                   {"hausnummer", "3"}});
+    Alkis(*lauf.db, {"id", "FLURSTÜCKSKENNZEICHEN", "flurstück", "Strasse", "STRASSENNAME", "hausnummer"},
+          {{"x", "072566004000120003__", "\\N", "\\N", "Am Bach", "3"}});
     lauf.Ordnen(Umgebung());
     EXPECT_EQ(Zelle(*lauf.db, "x", "flurstück"), "00012/0003");
     EXPECT_EQ(Zelle(*lauf.db, "x", "Strasse"), "Am Bach 3");
@@ -841,9 +466,8 @@ TEST(DatenOrdnen, LeereOderFehlendeTabelleGibtNullZeilen) {
     // The caller tells the user; the pass changes nothing, not even the lookup indexes.
     for (const bool mitTabelle : {true, false}) {
         Lauf lauf;
-        Schlüsseltabellen(*lauf.db);
-        if (mitTabelle)
-            TabelleMitTexten(*lauf.db, "Alkis", AlleSpalten());
+        KleineAlkis(*lauf.db);
+        lauf.db->AusführenNativ(mitTabelle ? "DELETE FROM Alkis" : "DROP TABLE Alkis");
         lauf.Ordnen(Umgebung());
         EXPECT_EQ(lauf.zeilen, 0) << mitTabelle;
         EXPECT_TRUE(lauf.ui.Ereignisse().empty()) << mitTabelle;
@@ -855,15 +479,10 @@ TEST(DatenOrdnen, LeereOderFehlendeTabelleGibtNullZeilen) {
 
 TEST(DatenOrdnen, StatusJeTausendZeilen) {
     Lauf lauf;
-    TabelleMitTexten(*lauf.db, "Alkis", {"id", "Flurstückskennzeichen", "IDlfd_Nr"});
-    {
-        Transaktion t(*lauf.db);
-        for (int i = 0; i < 2500; ++i)
-            ZeileEinfügen(*lauf.db, "Alkis",
-                          {{"id", std::to_string(i)},
-                           {"Flurstückskennzeichen", "0725660040" + MitNullen(i, 5) + "00000"}});
-        t.Bestätigen();
-    }
+    std::vector<std::vector<std::string>> zeilen;
+    for (int i = 0; i < 2500; ++i)
+        zeilen.push_back({std::to_string(i), "0725660040" + MitNullen(i, 5) + "00000", "\\N"});
+    Alkis(*lauf.db, {"id", "Flurstückskennzeichen", "IDlfd_Nr"}, std::move(zeilen));
     lauf.Ordnen(Umgebung());
     EXPECT_EQ(lauf.zeilen, 2500);
     const std::vector<std::string> erwartet = {"Daten ordnen, Zeile: 1000",
@@ -878,7 +497,7 @@ TEST(DatenOrdnen, StatusJeTausendZeilen) {
 TEST(DatenOrdnen, InDerTransaktionDesAufrufers) {
     // A caller that holds a transaction keeps it: the pass neither commits nor nests.
     Lauf lauf(true);
-    KleineAlkis(*lauf.db, AlleSpalten());
+    KleineAlkis(*lauf.db);
     {
         Transaktion t(*lauf.db);
         lauf.Ordnen(Umgebung());
@@ -886,124 +505,6 @@ TEST(DatenOrdnen, InDerTransaktionDesAufrufers) {
     } // rolled back
     EXPECT_EQ(Zelle(*lauf.db, "r3", "IDlfd_Nr"), std::nullopt);
     EXPECT_EQ(lauf.zeilen, 7);
-}
-
-// ---- Measure: 150,000 wide rows ----------------------------------------------------------
-// Run with --gtest_also_run_disabled_tests --gtest_filter='DatenOrdnen*Messung*'.
-
-/// Builds an Alkis of `zeilen` rows in a database file, runs the pass and prints the times. With
-/// `mitAußenring` the parcel's own ring text stands in the row too (as when the columns of the
-/// parcel table are kept), so each row holds two rings of about 3 KB.
-void Messen(int zeilen, bool mitAußenring) {
-    TempOrdner ordner;
-    auto db = DAO_DatenbankAnlegen(ordner / "gross.sqlite");
-    // As the compilation makes it: the parcel's own columns first, its ring among them, then
-    // the joined columns, then the mapped columns with the point list.
-    std::vector<std::string> spalten = {"id"};
-    if (mitAußenring)
-        spalten.push_back("gml:exterior");
-    for (int i = 0; i < 60; ++i)
-        spalten.push_back("quelle_" + std::to_string(i));
-    for (const auto& s : AlleSpalten())
-        if (s != "id")
-            spalten.push_back(s);
-    TabelleMitTexten(*db, "Alkis", spalten);
-    Schlüsseltabellen(*db);
-
-    std::string ring;
-    for (int p = 0; ring.size() < 3000; ++p)
-        ring += (p ? ";" : "") + std::to_string(389000 + p) + ".123 " +
-                std::to_string(5600000 + p) + ".456";
-    const auto start = std::chrono::steady_clock::now();
-    {
-        std::string namen;
-        std::string fragen;
-        for (const auto& s : spalten) {
-            namen += (namen.empty() ? "" : ", ") + Bezeichner(s);
-            fragen += fragen.empty() ? "?" : ", ?";
-        }
-        Transaktion t(*db);
-        auto einfügen =
-            db->VorbereitenNativ("INSERT INTO Alkis (" + namen + ") VALUES (" + fragen + ")");
-        const int flurstücke = zeilen / 3;
-        for (int i = 0; i < zeilen; ++i) {
-            // Three owners per parcel, the rows of one parcel far apart in the file.
-            const int flurstück =
-                static_cast<int>((static_cast<std::int64_t>(i) * 7919) % flurstücke);
-            const std::string gemeinde = "07231" + MitNullen(100 + flurstück % 50, 3);
-            for (const auto& s : spalten) {
-                std::string w;
-                if (s == "id")
-                    w = std::to_string(i);
-                else if (s == "gml:exterior" || s == "UmringFlurstück")
-                    w = ring;
-                else if (s.starts_with("quelle_"))
-                    w = "Wert " + std::to_string(i % 97);
-                else if (s == "Flurstückskennzeichen")
-                    w = "0725660040" + MitNullen(flurstück, 5) + "00000";
-                else if (s == "Gemeindeschlüssel")
-                    w = gemeinde;
-                else if (s == "Grundbuchblatt")
-                    w = std::to_string(1000 + flurstück % 900);
-                else if (s == "Namensnummer")
-                    w = MitNullen(i % 3 + 1, 4);
-                else if (s == "buchungsblattbezirk")
-                    w = i % 2 ? "07 2566" : "07 2567";
-                else if (s == "Fläche")
-                    w = std::to_string(flurstück) + ".00";
-                else if (s == "Geburtsdatum")
-                    w = "1950-03-01";
-                else if (s == "Nutzung_tatsächlich")
-                    w = "Wohnbaufläche;Wald";
-                else if (s == "Nutzungsart")
-                    w = "AX_Wohnbauflaeche 1200.00;AX_Wald 300.50";
-                else if (s == "Nachname_sonstiges")
-                    w = "Müller";
-                else if (s == "Vorname_sonstiges")
-                    w = "Hans";
-                else if (s == "Anteil_Grundstück")
-                    w = "1 3";
-                else if (s == "Rechtswert")
-                    w = i % 10 == 0 ? "" : "389012.5";
-                else if (s == "Hochwert")
-                    w = "5600123.25";
-                einfügen.Binde(std::string_view(w));
-            }
-            einfügen.Schritt();
-            einfügen.Zurücksetzen();
-        }
-        t.Bestätigen();
-    }
-    const auto geladen = std::chrono::steady_clock::now();
-    SkriptOberfläche ui;
-    NasProtokoll protokoll(ui, ordner / "gross.xml.prn");
-    const std::int64_t n = DatenOrdnen(*db, Umgebung(), protokoll, ui);
-    const auto fertig = std::chrono::steady_clock::now();
-    // For comparison, SQLite's own floor: one UPDATE that rewrites every row once.
-    db->AusführenNativ("UPDATE Alkis SET \"IDlfd_Nr\" = 'x' || \"IDlfd_Nr\"");
-    const auto vergleich = std::chrono::steady_clock::now();
-    const auto ms = [](auto d) {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(d).count();
-    };
-    std::cout << "Alkis " << zeilen << " Zeilen" << (mitAußenring ? " mit" : " ohne")
-              << " gml:exterior, Datei "
-              << std::filesystem::file_size(ordner / "gross.sqlite") / (1024 * 1024)
-              << " MB; Laden " << ms(geladen - start) << " ms, Daten ordnen "
-              << ms(fertig - geladen)
-              << " ms (ein UPDATE über alle Zeilen: " << ms(vergleich - fertig) << " ms)\n";
-    EXPECT_EQ(n, zeilen);
-    auto probe = db->VorbereitenNativ(
-        "SELECT COUNT(*) FROM Alkis WHERE \"Eigentümerposition\" = '0003' AND \"IDlfd_Nr\" "
-        "LIKE 'x____%' AND Landkreis = "
-        "'Bernkastel-Wittlich' AND Amtsgericht <> '' AND \"Fläche\" LIKE '00%.00' AND "
-        "Rechtswert <> ''");
-    ASSERT_TRUE(probe.Schritt());
-    EXPECT_EQ(probe.Ganzzahl(0), zeilen / 3);
-}
-
-TEST(DatenOrdnen, DISABLED_Messung150000Zeilen) {
-    Messen(150000, false);
-    Messen(150000, true);
 }
 
 } // namespace

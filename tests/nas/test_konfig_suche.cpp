@@ -15,14 +15,9 @@ namespace flurix::nas {
 namespace {
 
 // ALKIS_EPSG.dat as shipped: CR LF, one line with LF only, a comment, a tab.
-constexpr std::string_view EpsgText = "* Koordinatenreferenzsysteme der Lage\r\n"
-                                      "\r\n"
-                                      "ETRS89_UTM32=alt*25832\r\n"
-                                      "=4258\r\n"
-                                      "ETRS89_UTM32=25832_32\r\n"
-                                      "ETRS89_UTM33=25833_33\n"
-                                      "DE_DHDN_3GK3\t=\t31467_3\r\n"
-                                      "UTM=0000_0\r\n";
+std::string EpsgText() {
+    return test::DateiLesen(test::Testdaten() / "nas" / "konfig_epsg_mit_kommentar_tab_und_lf.dat");
+}
 
 TEST(KonfigWert, SchlüsselDerZeileMussImGesuchtenSchlüsselStehen) {
     struct Fall {
@@ -45,7 +40,7 @@ TEST(KonfigWert, SchlüsselDerZeileMussImGesuchtenSchlüsselStehen) {
         {1, "ETRS89_UTM32", 3, ""}, // missing value column
     };
     for (const auto& f : fälle) {
-        EXPECT_EQ(KonfigWert(f.schlüsselSpalte, f.schlüssel, "=", f.wertSpalte, EpsgText),
+        EXPECT_EQ(KonfigWert(f.schlüsselSpalte, f.schlüssel, "=", f.wertSpalte, EpsgText()),
                   f.erwartet)
             << f.schlüssel;
     }
@@ -59,23 +54,10 @@ TEST(KonfigWert, ErsteTrefferzeileGiltAuchWennSieKürzerIst) {
     EXPECT_EQ(KonfigWert(1, "x", "=", 2, ""), "");
 }
 
-constexpr std::string_view WerteartText =
-    "* Werteart ALKIS\r\n"
-    "AX_Person = anrede = 1000 = Frau\r\n"
-    "* AX_Person = anrede = 9999 = auskommentiert\r\n"
-    "AX_Person = anrede = 2000 = Herr\r\n"
-    "AX_Person = anrede =\t3000 = Firma  \n"
-    "AX_Personengruppe = anrede = 1 = nie\r\n"
-    "AX_Person = anredeAlt = 4000 = nie\r\n"
-    "AX_Buchungsblatt = blattart = 1000 = Grundbuchblatt\r\n"
-    "AX_Buchungsblatt = blattart = 5000 = Fiktives Blatt\r\n"
-    "AX_Bodenschaetzung = bodenart = 12000 = Xz\r\n"
-    "AX_Bodenschaetzung = bodenart = 1200 = S\r\n"
-    "AX_Bodenschaetzung = bodenart = 2100 = Sl\n"
-    "AX_Bodenschaetzung = entstehungsartOderKlimastufeWasserverhaeltnisse = 1000 = D\r\n"
-    "AX_Bodenschaetzung = entstehungsartOderKlimastufeWasserverhaeltnisse = 2000 = Al\r\n"
-    "* AX_Bodenschaetzung = bodenart = 3100 = auskommentiert\r\n"
-    "Nutzungsart = 7777 = Wald = Laubholz\r\n";
+// Value kinds with comments, a tab, an LF line and keys that only begin alike.
+std::string WerteartText() {
+    return test::DateiLesen(test::Testdaten() / "nas" / "konfig_werteart_mit_kommentaren.dat");
+}
 
 TEST(KonfigWerteListe, WasHinterDemSchlüsselStehtMitSemikolon) {
     struct Fall {
@@ -91,7 +73,7 @@ TEST(KonfigWerteListe, WasHinterDemSchlüsselStehtMitSemikolon) {
         {"", ""},
     };
     for (const auto& f : fälle)
-        EXPECT_EQ(KonfigWerteListe(f.schlüssel, WerteartText), f.erwartet) << f.schlüssel;
+        EXPECT_EQ(KonfigWerteListe(f.schlüssel, WerteartText()), f.erwartet) << f.schlüssel;
 
     EXPECT_EQ(
         KonfigWerteListe("AX_Person = anrede",
@@ -132,7 +114,7 @@ TEST(KonfigZeile, SpaltenDerZeileDieMitDemSchlüsselBeginnt) {
         {"", "1", ""},
     };
     for (const auto& f : fälle)
-        EXPECT_EQ(KonfigZeile(f.schlüssel, f.spalten, "=", WerteartText), f.erwartet)
+        EXPECT_EQ(KonfigZeile(f.schlüssel, f.spalten, "=", WerteartText()), f.erwartet)
             << f.schlüssel << " Spalten " << f.spalten;
 }
 

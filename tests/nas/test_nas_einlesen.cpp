@@ -101,21 +101,12 @@ struct Lauf {
 
 using Zeilen = std::vector<std::string>;
 
+// A small NAS file of tests/daten/nas.
+std::string Datei(std::string_view name) { return DateiLesen(test::Testdaten() / "nas" / name); }
+
 TEST(NasEinlesen, FlurstückMitSchlüsselnGeometrieUndSystem) {
     Lauf lauf;
-    const std::string geometrie =
-        "<{p}position><gml:Surface srsName=\"urn:adv:crs:ETRS89_UTM32\"><gml:polygonPatches><gml:PolygonPatch>"
-        "<gml:exterior><gml:Ring>"
-        "<gml:curveMember><gml:Curve><gml:segments><gml:LineStringSegment><gml:posList>1 2 3 4</gml:posList>"
-        "</gml:LineStringSegment><gml:Arc><gml:posList>3 4 5 6 7 8</gml:posList></gml:Arc>"
-        "</gml:segments></gml:Curve></gml:curveMember>"
-        "<gml:curveMember><gml:Curve><gml:segments><gml:LineStringSegment><gml:posList>7  8 7 8 1 2"
-        "</gml:posList></gml:LineStringSegment></gml:segments></gml:Curve></gml:curveMember>"
-        "</gml:Ring></gml:exterior></gml:PolygonPatch></gml:polygonPatches></gml:Surface></{p}position>\n";
-    ASSERT_TRUE(lauf.Lesen(Nas({Flurstück("DERP1234hHH", "072566001000070002__",
-                                          geometrie + "<{p}gemeindezugehoerigkeit><{p}AX_Gemeindekennzeichen>"
-                                                      "<{p}land>07</{p}land><{p}kreis>31</{p}kreis>"
-                                                      "</{p}AX_Gemeindekennzeichen></{p}gemeindezugehoerigkeit>\n")})));
+    ASSERT_TRUE(lauf.Lesen(Datei("flurstueck_mit_bogen_und_gemeindekennzeichen.xml")));
     EXPECT_EQ(lauf.Zeilen("SELECT id, flurstueckskennzeichen, flurstueckskennzeichenAlkis, "
                           "gemeindezugehoerigkeit, srsName FROM AX_Flurstueck"),
               Zeilen{"DERP1234h'HH|07256600100007000200|072566|1|7/2|07 31|25832_32"});
@@ -132,15 +123,7 @@ TEST(NasEinlesen, FlurstückMitSchlüsselnGeometrieUndSystem) {
 
 TEST(NasEinlesen, BeziehungenNachIhrerRegel) {
     Lauf lauf;
-    ASSERT_TRUE(lauf.Lesen(Nas({
-        Flurstück("F1", "07256600100001000000",
-                  Verweis("istGebucht", "B1") + Verweis("istGebucht", "b2") +
-                      Verweis("weistAuf", "L1") + Verweis("weistAuf", "l2") + Verweis("weistAuf", "L3")),
-        Einfach("AX_Buchungsstelle", "B1",
-                Verweis("istBestandteilVon", "BL1") + Verweis("istBestandteilVon", "BL2") +
-                    Verweis("an", "X1") + Verweis("an", "X2")),
-        Einfach("AX_Namensnummer", "N1", Verweis("benennt", "P1") + Verweis("benennt", "P2")),
-    })));
+    ASSERT_TRUE(lauf.Lesen(Datei("beziehungen_je_regel.xml")));
     // Every booking reference is a row; the location references of a parcel are one row.
     EXPECT_EQ(lauf.Zeilen("SELECT * FROM \"AX_Flurstueck_istGebucht#AX_Buchungsstelle\" ORDER BY rowid"),
               (Zeilen{"F1|B1", "F1|b'2"}));
@@ -216,25 +199,7 @@ TEST(NasEinlesen, VieleObjekteInEinerZeileUndEinBOM) {
 
 TEST(NasEinlesen, ZweiPositionenUndGebäudeschlüssel) {
     Lauf lauf;
-    const std::string lage = "<lagebezeichnung><AX_Lagebezeichnung><verschluesselt><AX_VerschluesselteLagebezeichnung>"
-                             "<land>07</land><regierungsbezirk>2</regierungsbezirk><kreis>31</kreis>"
-                             "<gemeinde>103</gemeinde><lage>00133</lage></AX_VerschluesselteLagebezeichnung>"
-                             "</verschluesselt></AX_Lagebezeichnung></lagebezeichnung>\n";
-    ASSERT_TRUE(lauf.Lesen(Nas({
-        Einfach("AX_PunktortTA", "P1",
-                "<position><gml:Point><gml:pos>1 2</gml:pos></gml:Point></position>\n"
-                "<position><gml:Point><gml:pos>3 4</gml:pos></gml:Point></position>\n"
-                "<qualitaetsangaben><AX_DQPunktort><genauigkeitswert>30</genauigkeitswert></AX_DQPunktort>"
-                "</qualitaetsangaben>\n"),
-        Einfach("AX_PunktortTA", "P2",
-                "<qualitaetsangaben><AX_DQPunktort><genauigkeitswert>0.5</genauigkeitswert></AX_DQPunktort>"
-                "</qualitaetsangaben>\n"),
-        Einfach("AX_LagebezeichnungMitHausnummer", "LM", lage + "<hausnummer>12 a</hausnummer>\n"),
-        Einfach("AX_LagebezeichnungMitPseudonummer", "LP",
-                lage + "<pseudonummer>5</pseudonummer><laufendeNummer>P3</laufendeNummer>\n"),
-        Einfach("AX_Gebaeude", "G1", Verweis("zeigtAuf", "LM")),
-        Einfach("AX_Gebaeude", "G2", Verweis("hat", "LP")),
-    })));
+    ASSERT_TRUE(lauf.Lesen(Datei("punktorte_und_gebaeude_mit_lage.xml")));
     EXPECT_EQ(lauf.Zeilen("SELECT id, position, \"qualitaetsangaben/AX_DQPunktort/genauigkeitswert\" "
                           "FROM AX_PunktortTA ORDER BY rowid"),
               (Zeilen{"P1|1 2;3 4|0.030", "P2||0.5"}));
@@ -246,21 +211,7 @@ TEST(NasEinlesen, ZweiPositionenUndGebäudeschlüssel) {
 
 TEST(NasEinlesen, GemeindeGemarkungUndWertearten) {
     Lauf lauf;
-    const std::string kennzeichen = "<gemeindezugehoerigkeit><AX_Gemeindekennzeichen><land>07</land>"
-                                    "<gemeinde>103</gemeinde></AX_Gemeindekennzeichen></gemeindezugehoerigkeit>\n";
-    ASSERT_TRUE(lauf.Lesen(Nas({
-        Flurstück("F1", "07256600100001000000", kennzeichen),
-        Einfach("AX_Gemeinde", "GM", "<bezeichnung>Musterstadt [Amt Muster]</bezeichnung>\n<gemeindekennzeichen>"
-                                     "<AX_Gemeindekennzeichen><land>07</land><gemeinde>103</gemeinde>"
-                                     "</AX_Gemeindekennzeichen></gemeindekennzeichen>\n"),
-        Einfach("AX_Gemarkung", "K1", "<istAmtsbezirkVon><AX_Dienststelle_Schluessel><land>07</land>"
-                                      "<stelle>1</stelle></AX_Dienststelle_Schluessel></istAmtsbezirkVon>\n"
-                                      "<istAmtsbezirkVon><AX_Dienststelle_Schluessel><land>07</land>"
-                                      "<stelle>2</stelle></AX_Dienststelle_Schluessel></istAmtsbezirkVon>\n"),
-        Einfach("AX_Gemarkung", "K2", ""),
-        Einfach("AX_Person", "P1", "<anrede>1000</anrede>\n"),
-        Einfach("AX_Person", "P2", "<anrede>9999</anrede>\n"),
-    })));
+    ASSERT_TRUE(lauf.Lesen(Datei("gemeinde_gemarkung_und_anreden.xml")));
     EXPECT_EQ(lauf.Wert("SELECT Gemeinde FROM AX_Flurstueck"), "Musterstadt");
     EXPECT_EQ(lauf.Zeilen("SELECT * FROM \"AX_Gemarkung_id#istAmtsbezirkVon\" ORDER BY rowid"),
               (Zeilen{"K1|07 1", "K1|07 2"}));

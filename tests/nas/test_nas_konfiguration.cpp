@@ -74,10 +74,10 @@ std::size_t Vorkommen(const std::string& text, const std::string& teil) {
     return anzahl;
 }
 
-const std::vector<std::string> Dateien = {"ALKIS_Knoten.dat", "ALKIS_Werteart.dat",
-                                          "ALKIS_EPSG.dat", "ALKIS_Amtsgerichte.dat"};
+const std::vector<std::string> Dateien = {"ALKIS_Knoten.dat", "ALKIS_Werteart.dat", "ALKIS_EPSG.dat",
+                                          "ALKIS_Amtsgerichte.dat", "ALKIS_Zuordnung.dat"};
 
-// --- all four files -------------------------------------------------------------------------
+// --- all five files -------------------------------------------------------------------------
 
 TEST(NasKonfiguration, Windows1252MitCrLf) {
     for (const std::string& datei : Dateien) {
@@ -151,17 +151,6 @@ Knoten KnotenLesen() {
     return k;
 }
 
-// The relation tables a Knoten file makes: "<class>_<element>#<target>".
-std::set<std::string> Relationstabellen(const Knoten& k) {
-    std::set<std::string> tabellen;
-    for (const auto& [name, klasse] : k.klassen)
-        for (const Feld& feld : klasse.felder)
-            if (const auto teile = Teilen(feld.links, "@");
-                teile.size() == 3 && teile[1] == "xlink:href")
-                tabellen.insert(name + "_" + teile[0] + "#" + teile[2]);
-    return tabellen;
-}
-
 std::set<std::string> Spalten(const Klasse& klasse) {
     std::set<std::string> spalten;
     for (const Feld& feld : klasse.felder)
@@ -216,104 +205,19 @@ TEST(AlkisKnoten, GeometrieUndLangeListenAlsMemo) {
             }
 }
 
-TEST(AlkisKnoten, AlleVerlangtenObjektartenUndRelationen) {
-    const std::set<std::string> relationen = {
-        "AX_Flurstueck_istGebucht#AX_Buchungsstelle",
-        "AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer",
-        "AX_Flurstueck_zeigtAuf#ori_LagebezeichnungOhneHausnummer",
-        "AX_Buchungsstelle_an#ori_Buchungsstelle",
-        "AX_Buchungsstelle_istBestandteilVon#AX_Buchungsblatt",
-        "AX_Namensnummer_istBestandteilVon#AX_Buchungsblatt",
-        "AX_Namensnummer_benennt#AX_Person",
-        "AX_Person_hat#AX_Anschrift",
-        "AP_PTO_dientZurDarstellungVon#AX_Flurstueck",
-        "AX_Gebaeude_zeigtAuf#AX_LagebezeichnungMitHausnummer",
-        "AX_Gebaeude_zeigtAuf#AX_LagebezeichnungOhneHausnummer",
-        "AX_Gebaeude_hat#AX_LagebezeichnungMitPseudonummer",
-    };
-    std::vector<std::string> objektarten = {
-        "AX_Flurstueck", "AX_Buchungsstelle", "AX_Buchungsblatt", "AX_Buchungsblattbezirk",
-        "AX_Namensnummer", "AX_Person", "AX_Anschrift", "AX_Gemeinde", "AX_Gemarkung",
-        "AX_KreisRegion", "AX_Bundesland", "AX_Dienststelle", "AX_LagebezeichnungKatalogeintrag",
-        "AX_LagebezeichnungMitHausnummer", "AX_LagebezeichnungOhneHausnummer",
-        "AX_LagebezeichnungMitPseudonummer", "AX_Gebaeude", "AP_PTO", "AP_LPO", "AX_PunktortAG",
-        "AX_PunktortAU", "AX_PunktortTA", "AX_Bodenschaetzung",
-        "AX_BauRaumOderBodenordnungsrecht", "Antragsbeschreibung"};
-    objektarten.insert(objektarten.end(), Nutzungsarten.begin(), Nutzungsarten.end());
-
-    const Knoten k = KnotenLesen();
-    const auto vorhanden = Relationstabellen(k);
-    for (const std::string& relation : relationen)
-        EXPECT_TRUE(vorhanden.contains(relation)) << relation;
-    for (const std::string& objektart : objektarten)
-        EXPECT_TRUE(k.klassen.contains(objektart)) << objektart;
-}
-
 TEST(AlkisKnoten, SpaltenDieAnreicherungZusammenstellungUndFlaechenLesen) {
     const std::set<std::string> flaeche = {"gml:exterior", "gml:interior", "gml:Arc"};
-    std::map<std::string, std::set<std::string>> verlangt = {
-        {"AX_Flurstueck",
-         {"flurstueckskennzeichen", "flurstueckskennzeichenAlkis", "gemeindezugehoerigkeit",
-          "Gemeinde", "srsName", "gemarkung", "position", "gml:exterior", "gml:interior",
-          "gml:Arc", "amtlicheFlaeche", "AlkisFlaeche", "AlkisNA", "AlkisOriNA",
-          "AlkisNaFlaeche", "AlkisNaBeschreibung", "AlkisOriNaFlaeche", "BS_Bodenschaetzung",
-          "BS_Flaeche", "BS_GesamtFlaeche", "BS_OriFlaeche", "BS_bodenart", "BS_kulturart",
-          "BS_zustandsstufeOderBodenstufe", "BS_entstehungsartOderKlimastufeWasserverhaeltnisse",
-          "BS_bodenzahlOderGruenlandgrundzahl", "BS_ackerzahlOderGruenlandzahl",
-          "BS_Ertragsmesszahl", "BS_GesamtErtragsmesszahl", "BS_AzMittel", "BS_sonstigeAngaben",
-          "KL_bodenart", "KL_entstehungsartOderKlimastufeWasserverhaeltnisse", "KL_funktion",
-          "KL_kulturart", "KL_vegetationsmerkmal", "KL_zustandsstufeOderBodenstufe",
-          "INFO_BauRaumOderBodenordnungsrecht", "AlkisNAFlaechenDifferenz",
-          "AlkisBSFlaechenDifferenz", "AlkisAmtlichFlaechenDifferenz"}},
-        {"AX_Buchungsstelle",
-         {"anlass", "anteil/AX_Anteil/zaehler", "anteil/AX_Anteil/nenner", "buchungsart",
-          "laufendeNummer", "beschreibungDesSondereigentums"}},
-        {"AX_Buchungsblatt",
-         {"buchungsblattkennzeichen", "buchungsblattbezirk",
-          "buchungsblattnummerMitBuchstabenerweiterung", "blattart"}},
-        {"AX_Buchungsblattbezirk", {"schluesselGesamt", "bezeichnung", "schluessel", "gehoertZu"}},
-        {"AX_Gemeinde", {"schluesselGesamt", "bezeichnung", "gemeindekennzeichen"}},
-        {"AX_Gemarkung", {"schluesselGesamt", "bezeichnung", "schluessel", "istAmtsbezirkVon"}},
-        {"AX_Dienststelle", {"schluesselGesamt", "bezeichnung", "schluessel", "stellenart"}},
-        {"AX_LagebezeichnungKatalogeintrag", {"schluesselGesamt", "bezeichnung", "schluessel"}},
-        {"AX_KreisRegion", {"schluessel", "bezeichnung"}},
-        {"AX_Bundesland", {"schluessel", "bezeichnung"}},
-        {"AX_LagebezeichnungMitHausnummer",
-         {"lage", "lagebezeichnung", "hausnummer",
-          "lagebezeichnung/AX_Lagebezeichnung/verschluesselt"}},
-        {"AX_LagebezeichnungOhneHausnummer",
-         {"lagebezeichnung", "lage", "lagebezeichnung/AX_Lagebezeichnung/verschluesselt"}},
-        {"AX_LagebezeichnungMitPseudonummer",
-         {"pseudonummer", "laufendeNummer", "lagebezeichnung/AX_Lagebezeichnung/verschluesselt"}},
-        {"AX_Namensnummer",
-         {"anteil", "artDerRechtsgemeinschaft", "beschriebDerRechtsgemeinschaft",
-          "eigentuemerart", "laufendeNummerNachDIN1421", "nummer", "strichblattnummer"}},
-        {"AX_Person",
-         {"akademischerGrad", "anrede", "beruf", "geburtsdatum", "geburtsname",
-          "haushaltsstelleLandesgrundbesitz", "nachnameOderFirma", "namensbestandteil",
-          "sonstigeEigenschaften", "vorname", "wirdVertretenVon", "wohnortOderSitz"}},
-        {"AX_Anschrift",
-         {"bestimmungsland", "fax", "hausnummer", "ort_Post", "ortsteil",
-          "ort_AmtlichesOrtsnamensverzeichnis", "postleitzahlPostzustellung",
-          "postleitzahlPostfach", "postfach", "strasse", "telefon", "weitereAdressen"}},
-        {"AX_Gebaeude",
-         {"hausnummer", "pseudonummer", "laufendeNummer", "gebaeudekennzeichen",
-          "gebaeudekennzeichenALKIS"}},
-        {"AP_PTO", {"position"}},
-        {"AX_PunktortAG", {"qualitaetsangaben/AX_DQPunktort/genauigkeitswert"}},
-        {"AX_PunktortAU", {"qualitaetsangaben/AX_DQPunktort/genauigkeitswert"}},
-        {"AX_PunktortTA", {"qualitaetsangaben/AX_DQPunktort/genauigkeitswert"}},
-        {"AX_Bodenschaetzung",
-         {"bodenart", "kulturart", "zustandsstufeOderBodenstufe",
-          "entstehungsartOderKlimastufeWasserverhaeltnisse", "sonstigeAngaben",
-          "bodenzahlOderGruenlandgrundzahl", "ackerzahlOderGruenlandzahl", "gml:exterior",
-          "gml:interior", "gml:Arc"}},
-        {"AX_BauRaumOderBodenordnungsrecht",
-         {"bezeichnung", "artDerFestlegung", "gml:exterior", "gml:interior", "gml:Arc"}},
-        {"Antragsbeschreibung",
-         {"Antragsnummer", "Koordinatenreferenzsystem_Lage", "Koordinatenreferenzsystem_Hoehe",
-          "EPSG", "MKZ"}},
-    };
+    // The list lies in tests/daten/nas/knoten_gelesene_spalten.txt, one class a line.
+    std::map<std::string, std::set<std::string>> verlangt;
+    for (const std::string& zeile :
+         Teilen(test::DateiLesen(test::Testdaten() / "nas" / "knoten_gelesene_spalten.txt"), "\n")) {
+        if (zeile.empty() || zeile.starts_with('#'))
+            continue;
+        const auto doppelpunkt = zeile.find(": ");
+        for (const std::string& spalte : Teilen(zeile.substr(doppelpunkt + 2), ","))
+            verlangt[zeile.substr(0, doppelpunkt)].insert(spalte);
+    }
+    ASSERT_EQ(verlangt.size(), 24u) << "Liste nicht gelesen";
     for (const std::string& nutzung : Nutzungsarten)
         verlangt[nutzung] = flaeche;
 

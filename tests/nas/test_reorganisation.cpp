@@ -33,7 +33,7 @@ struct Graph {
 
     Graph() {
         db = DAO_DatenbankAnlegen(ordner / "nas.sqlite");
-        DAO_CreateDB(*db, KnotenLesen(Konfig / "ALKIS_Knoten.dat"), [](std::string_view) {});
+        DAO_DatenbankAnlegenAusKnoten(*db, KnotenLesen(Konfig / "ALKIS_Knoten.dat"), [](std::string_view) {});
     }
 
     // One row: column -> value; identifiers are written in the marked form the scan stores.

@@ -3,6 +3,7 @@
 #include "core/datenbank.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
+#include "nas/tabellentext.hpp"
 
 #include <gtest/gtest.h>
 
@@ -61,19 +62,17 @@ struct TextFall {
     const char* warum;
 };
 
+const std::filesystem::path Daten = test::Testdaten() / "nas";
+
 // A gazetteer answer: two features, one element twice, one only in the second feature.
-constexpr std::string_view Ortsantwort =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<wfs:FeatureCollection xmlns:wfs=\"http://www.opengis.net/wfs\"\n"
-    "    xmlns:gml=\"http://www.opengis.net/gml\" xmlns:dog=\"urn:beispiel:dog\">\n"
-    "  <gml:featureMember>\n"
-    "    <dog:Ort><dog:name>Osann</dog:name><dog:kreis>Bernkastel-Wittlich</dog:kreis></dog:Ort>\n"
-    "  </gml:featureMember>\n"
-    "  <gml:featureMember>\n"
-    "    <dog:Ort><dog:name>Monzel</dog:name><dog:plz>54518</dog:plz><dog:plz>54519</dog:plz>"
-    "</dog:Ort>\n"
-    "  </gml:featureMember>\n"
-    "</wfs:FeatureCollection>\n";
+std::string Ortsantwort() { return test::DateiLesen(Daten / "ortsantwort_zwei_orte.xml"); }
+
+// The table XML one cell a line, against its golden file.
+std::string TabelleWieErwartet(const std::filesystem::path& datenbank, std::string_view golden) {
+    Datenbank db(datenbank);
+    return test::GoldenVergleich(test::ZellenText(db, "SELECT XMLId, * FROM \"XML\" ORDER BY rowid"),
+                                 Daten / golden);
+}
 
 // --- record level and type name -------------------------------------------------------------
 
@@ -137,9 +136,11 @@ TEST(XmlDatenbankPfad, SqliteStattXml) {
 // --- loading --------------------------------------------------------------------------------
 
 TEST(XmlStrukturLaden, ZeilenSpaltenUndXmlDaten) {
+    // One row per feature, one column per element name in the order first met; a value met
+    // twice is joined with ";", XMLDaten lists the elements of the row.
     test::TempOrdner ordner;
     const auto datei = ordner / "Ortsantwort.xml";
-    test::DateiSchreiben(datei, Ortsantwort);
+    test::DateiSchreiben(datei, Ortsantwort());
     SkriptOberfläche ui;
 
     const auto ergebnis = XmlStrukturLaden(datei, 2, false, false, ui);
@@ -148,25 +149,7 @@ TEST(XmlStrukturLaden, ZeilenSpaltenUndXmlDaten) {
     EXPECT_TRUE(ui.Ereignisse().empty());
     EXPECT_EQ(ergebnis.datenbank, ordner / "Ortsantwort.sqlite");
     EXPECT_EQ(ergebnis.zeilen, 2);
-    EXPECT_EQ(Spalten(ergebnis.datenbank),
-              (std::vector<std::string>{"XMLId", "XMLlfdKnotenNr", "XMLDaten", "typename",
-                                        "gml:featureMember", "dog:Ort", "dog:name", "dog:kreis",
-                                        "dog:plz"}));
-    const auto zeilen = Zeilen(ergebnis.datenbank);
-    ASSERT_EQ(zeilen.size(), 2u);
-    EXPECT_EQ(Zelle(zeilen[0], "XMLId"), "1");
-    EXPECT_EQ(Zelle(zeilen[0], "XMLlfdKnotenNr"), "1");
-    EXPECT_EQ(Zelle(zeilen[0], "XMLDaten"), "dog:name;dog:kreis");
-    EXPECT_EQ(Zelle(zeilen[0], "dog:name"), "Osann");
-    EXPECT_EQ(Zelle(zeilen[0], "dog:kreis"), "Bernkastel-Wittlich");
-    EXPECT_EQ(Zelle(zeilen[0], "dog:plz"), std::nullopt);
-    EXPECT_EQ(Zelle(zeilen[0], "dog:Ort"), std::nullopt);
-    EXPECT_EQ(Zelle(zeilen[0], "typename"), "");
-    EXPECT_EQ(Zelle(zeilen[1], "XMLId"), "2");
-    EXPECT_EQ(Zelle(zeilen[1], "XMLlfdKnotenNr"), "2");
-    EXPECT_EQ(Zelle(zeilen[1], "XMLDaten"), "dog:name;dog:plz;dog:plz");
-    EXPECT_EQ(Zelle(zeilen[1], "dog:plz"), "54518;54519");
-    EXPECT_EQ(Zelle(zeilen[1], "dog:kreis"), std::nullopt);
+    EXPECT_EQ(TabelleWieErwartet(ergebnis.datenbank, "xml_ortsantwort_tabelle.txt"), "");
 }
 
 TEST(XmlStrukturLaden, SatzebeneAusBestandsdatenauszug) {
@@ -174,44 +157,20 @@ TEST(XmlStrukturLaden, SatzebeneAusBestandsdatenauszug) {
     // gml:featureMember (4) / feature (5). The Antragsnummer before the features is a row of its
     // own (record 0); the nested values of a feature go to the feature's row.
     test::TempOrdner ordner;
-    const auto datei = ordner / "auszug.xml";
-    test::DateiSchreiben(
-        datei,
-        "<AX_Bestandsdatenauszug xmlns=\"http://www.adv-online.de/namespaces/adv/gid/6.0\">\n"
-        " <antragsnr>0815</antragsnr>\n"
-        " <enthaelt><wfs:FeatureCollection>\n"
-        "  <gml:featureMember><AX_Flurstueck>\n"
-        "   <flurnummer>7</flurnummer>\n"
-        "   <gemarkung><AX_Gemarkung_Schluessel><land>07</land><gemarkungsnummer>1234"
-        "</gemarkungsnummer></AX_Gemarkung_Schluessel></gemarkung>\n"
-        "  </AX_Flurstueck></gml:featureMember>\n"
-        "  <gml:featureMember><AX_Flurstueck><flurnummer>8</flurnummer></AX_Flurstueck>"
-        "</gml:featureMember>\n"
-        " </wfs:FeatureCollection></enthaelt>\n"
-        "</AX_Bestandsdatenauszug>\n");
+    std::filesystem::copy_file(Daten / "bestandsdatenauszug_antrag_zwei_flurstuecke.xml", ordner / "auszug.xml");
     SkriptOberfläche ui;
-
-    const auto ergebnis = XmlStrukturLaden(datei, 0, false, false, ui);
+    const auto ergebnis = XmlStrukturLaden(ordner / "auszug.xml", 0, false, false, ui);
 
     ASSERT_TRUE(ergebnis) << ergebnis.ergebnis.Meldung();
     EXPECT_EQ(ergebnis.satzebene, 5);
-    const auto zeilen = Zeilen(ergebnis.datenbank);
-    ASSERT_EQ(zeilen.size(), 3u);
-    EXPECT_EQ(Zelle(zeilen[0], "XMLlfdKnotenNr"), "0");
-    EXPECT_EQ(Zelle(zeilen[0], "antragsnr"), "0815");
-    EXPECT_EQ(Zelle(zeilen[1], "XMLlfdKnotenNr"), "1");
-    EXPECT_EQ(Zelle(zeilen[1], "XMLDaten"), "flurnummer;land;gemarkungsnummer");
-    EXPECT_EQ(Zelle(zeilen[1], "land"), "07");
-    EXPECT_EQ(Zelle(zeilen[2], "XMLlfdKnotenNr"), "2");
-    EXPECT_EQ(Zelle(zeilen[2], "XMLId"), "3");
-    EXPECT_EQ(Zelle(zeilen[2], "flurnummer"), "8");
+    EXPECT_EQ(TabelleWieErwartet(ergebnis.datenbank, "xml_bestandsdatenauszug_tabelle.txt"), "");
 }
 
 TEST(XmlStrukturLaden, TypnameUndFortschrittstexte) {
     test::TempOrdner ordner;
     const auto datei = ordner / "antwort.xml";
     test::DateiSchreiben(datei, "<!-- Anfrage: ...;TYPENAME=dog:Ort&MAXFEATURES=5 -->\n" +
-                                    std::string(Ortsantwort.substr(Ortsantwort.find('\n') + 1)));
+                                    Ortsantwort().substr(Ortsantwort().find('\n') + 1));
     SkriptOberfläche ui;
 
     const auto ergebnis = XmlStrukturLaden(datei, 0, false, true, ui);
@@ -231,7 +190,7 @@ TEST(XmlStrukturLaden, TypnameUndFortschrittstexte) {
 TEST(XmlStrukturLaden, AnhängenOderNeu) {
     test::TempOrdner ordner;
     const auto datei = ordner / "antwort.xml";
-    test::DateiSchreiben(datei, Ortsantwort);
+    test::DateiSchreiben(datei, Ortsantwort());
     SkriptOberfläche ui;
     ASSERT_TRUE(XmlStrukturLaden(datei, 2, false, false, ui));
 
@@ -379,7 +338,7 @@ TEST(XmlStrukturLaden, FehlendeDateiOhneMeldung) {
 TEST(XmlStrukturLaden, PfadBehältSeineSchreibweise) {
     test::TempOrdner ordner;
     const auto datei = ordner / "Gross" / "Antwort.XML";
-    test::DateiSchreiben(datei, Ortsantwort);
+    test::DateiSchreiben(datei, Ortsantwort());
     SkriptOberfläche ui;
 
     const auto ergebnis = XmlStrukturLaden(datei, 2, false, false, ui);

@@ -164,6 +164,14 @@ template <typename Menge> std::string Liste(const Menge& menge) {
     return aus + "}";
 }
 
+// What `soll` has and `ist` lacks, and the other way round; both sorted.
+template <typename Menge> std::string Unterschied(const Menge& soll, const Menge& ist) {
+    std::vector<typename Menge::value_type> fehlen, zuviel;
+    std::set_difference(soll.begin(), soll.end(), ist.begin(), ist.end(), std::back_inserter(fehlen));
+    std::set_difference(ist.begin(), ist.end(), soll.begin(), soll.end(), std::back_inserter(zuviel));
+    return "es fehlen " + Liste(fehlen) + ", zu viel " + Liste(zuviel);
+}
+
 // --- GDAL's CSV files ---------------------------------------------------------------------------
 
 // One feature: its fields by name, as GDAL writes them.
@@ -346,7 +354,6 @@ struct Erwartung {
     std::size_t angehängt = 0;      // k: bookings attached to the parcel's booking
     std::vector<std::string> namen; // sorted
     Paare anschriften;              // (Straße, Ort)
-    std::vector<std::string> blätter; // sheet number of each row, sorted
     std::string fläche;
     std::string gemarkung, flur, flurstück;
     Lage lage;
@@ -447,7 +454,6 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
             if (blätter.empty()) {
                 e.eigentümerJeBuchung["|" + bvnr] = ohneEigentümer;
                 ++e.zeilen;
-                e.blätter.emplace_back();
                 continue;
             }
             const std::string& blatt = blätter.front();
@@ -488,12 +494,9 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
                 eigentümerfolge.push_back(std::move(eintrag));
             if (folge.empty())
                 eigentümerfolge = ohneEigentümer;
-            const std::size_t zeilen = std::max<std::size_t>(eigentümer, 1);
-            e.zeilen += zeilen;
-            e.blätter.insert(e.blätter.end(), zeilen, blattnummer);
+            e.zeilen += std::max<std::size_t>(eigentümer, 1);
         }
         std::sort(e.namen.begin(), e.namen.end());
-        std::sort(e.blätter.begin(), e.blätter.end());
 
         // The location: with house numbers, or where there are none without.
         const auto& weistAuf = g.Ziele("weistAuf", id);
@@ -674,13 +677,14 @@ protected:
     }
 
     // The differences found, the first ones shown.
-    static void Melden(const std::vector<std::string>& abweichungen, std::string_view was) {
+    static void Melden(const std::vector<std::string>& abweichungen, std::string_view was,
+                       std::size_t von = Auswahl().size()) {
         std::string erste;
         for (std::size_t i = 0; i < std::min<std::size_t>(abweichungen.size(), 12); ++i)
             erste += "\n  " + abweichungen[i];
         EXPECT_EQ(abweichungen.size(), 0u)
-            << was << " bei " << abweichungen.size() << " von " << Auswahl().size()
-            << " verglichenen Flurstücken, die ersten:" << erste;
+            << was << " bei " << abweichungen.size() << " von " << von << " verglichenen Flurstücken, die ersten:"
+            << erste;
     }
     static std::string Kopf(const Erwartung& e) {
         return e.kennzeichen + (e.hinweis.empty() ? std::string() : " [GDAL:" + e.hinweis + "]") + ": ";
@@ -722,29 +726,6 @@ TEST_F(ZusammenstellungGdal, ZeilenInsgesamtWieAusGdalsBuchungenGezählt) {
     EXPECT_EQ(inTabelle, nachGdal);
 }
 
-TEST_F(ZusammenstellungGdal, EigentümerNamenWieGdalsPersonen) {
-    std::vector<std::string> abweichungen;
-    std::size_t namen = 0;
-    for (const auto* e : Auswahl()) {
-        std::vector<std::string> gelesen;
-        for (const auto z : Zeilen(*e))
-            if (!Zelle(z, "Name").empty())
-                gelesen.push_back(Zelle(z, "Name"));
-        std::sort(gelesen.begin(), gelesen.end());
-        namen += e->namen.size();
-        if (gelesen != e->namen) {
-            std::vector<std::string> fehlen, zuviel;
-            std::set_difference(e->namen.begin(), e->namen.end(), gelesen.begin(), gelesen.end(),
-                                std::back_inserter(fehlen));
-            std::set_difference(gelesen.begin(), gelesen.end(), e->namen.begin(), e->namen.end(),
-                                std::back_inserter(zuviel));
-            abweichungen.push_back(Kopf(*e) + "es fehlen " + Liste(fehlen) + ", zu viel " + Liste(zuviel));
-        }
-    }
-    EXPECT_GT(namen, 1000u);
-    Melden(abweichungen, "andere Eigentümer");
-}
-
 TEST_F(ZusammenstellungGdal, AnschriftenWieGdalsAnschriftenDerPersonen) {
     std::vector<std::string> abweichungen;
     std::size_t anschriften = 0;
@@ -754,37 +735,11 @@ TEST_F(ZusammenstellungGdal, AnschriftenWieGdalsAnschriftenDerPersonen) {
             if (!Zelle(z, "Straße").empty() || !Zelle(z, "Ort").empty())
                 gelesen.emplace(Zelle(z, "Straße"), Zelle(z, "Ort"));
         anschriften += e->anschriften.size();
-        if (gelesen != e->anschriften) {
-            Paare fehlen, zuviel;
-            std::set_difference(e->anschriften.begin(), e->anschriften.end(), gelesen.begin(),
-                                gelesen.end(), std::inserter(fehlen, fehlen.end()));
-            std::set_difference(gelesen.begin(), gelesen.end(), e->anschriften.begin(),
-                                e->anschriften.end(), std::inserter(zuviel, zuviel.end()));
-            abweichungen.push_back(Kopf(*e) + "es fehlen " + Liste(fehlen) + ", zu viel " + Liste(zuviel));
-        }
+        if (gelesen != e->anschriften)
+            abweichungen.push_back(Kopf(*e) + Unterschied(e->anschriften, gelesen));
     }
     EXPECT_GT(anschriften, 300u);
     Melden(abweichungen, "andere Anschriften");
-}
-
-TEST_F(ZusammenstellungGdal, GrundbuchblattJeZeileWieGdalsBuchungen) {
-    std::vector<std::string> abweichungen;
-    for (const auto* e : Auswahl()) {
-        std::vector<std::string> gelesen;
-        for (const auto z : Zeilen(*e))
-            gelesen.push_back(OhneNullen(Zelle(z, "Grundbuchblatt")));
-        std::sort(gelesen.begin(), gelesen.end());
-        if (gelesen != e->blätter) {
-            std::vector<std::string> fehlen, zuviel;
-            std::set_difference(e->blätter.begin(), e->blätter.end(), gelesen.begin(), gelesen.end(),
-                                std::back_inserter(fehlen));
-            std::set_difference(gelesen.begin(), gelesen.end(), e->blätter.begin(), e->blätter.end(),
-                                std::back_inserter(zuviel));
-            abweichungen.push_back(Kopf(*e) + "Zeilen für Blatt " + Liste(fehlen) + " fehlen, für " +
-                                   Liste(zuviel) + " zu viel");
-        }
-    }
-    Melden(abweichungen, "andere Grundbuchblätter");
 }
 
 TEST_F(ZusammenstellungGdal, FlächeJeZeileIstDieAmtlicheFläche) {
@@ -863,7 +818,9 @@ TEST_F(ZusammenstellungGdal, KennzeichenGemarkungFlurUndFlurstückWieGdal) {
 }
 
 // Every parcel: the owners of each of its bookings in the number and order of the register, each
-// numbered by the register extract as the register numbers it.
+// numbered by the register extract as the register numbers it. Its rows grouped by sheet and
+// booking number hold the owners' names: this also checks the sheet of every row and the owners
+// of every parcel as a multiset.
 TEST_F(ZusammenstellungGdal, EigentümerJeBuchungInZahlUndReihenfolgeDesRegisters) {
     std::vector<std::string> abweichungen;
     std::size_t eigentümer = 0;
@@ -895,11 +852,7 @@ TEST_F(ZusammenstellungGdal, EigentümerJeBuchungInZahlUndReihenfolgeDesRegister
         abweichungen.push_back(Kopf(e) + text);
     }
     EXPECT_GT(eigentümer, 6000u);
-    std::string erste;
-    for (std::size_t i = 0; i < std::min<std::size_t>(abweichungen.size(), 12); ++i)
-        erste += "\n  " + abweichungen[i];
-    EXPECT_EQ(abweichungen.size(), 0u) << "Eigentümer anders als im Register bei " << abweichungen.size()
-                                       << " von " << s_befund->erwartungen.size() << " Flurstücken:" << erste;
+    Melden(abweichungen, "Eigentümer anders als im Register", s_befund->erwartungen.size());
 }
 
 } // namespace
