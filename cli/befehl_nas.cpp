@@ -90,9 +90,9 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
     // The protocol goes to the run's log; the hints on what could not be joined belong on screen.
     const auto& reorganisation = bericht.zusammenstellung.reorganisation;
     for (const auto& hinweis : reorganisation.Hinweise())
-        fehler << hinweis.substr(2) << '\n';
+        fehler << hinweis << '\n';
     if (const std::string zu = reorganisation.ZuBuchungenText(); !zu.empty())
-        fehler << zu.substr(2) << '\n';
+        fehler << zu << '\n';
     if (bericht.zusammenstellung.zuordnung.fehlgeschlagen > 0)
         fehler << "Hinweis: " << bericht.zusammenstellung.zuordnung.fehlgeschlagen
                << " Zeile(n) von ALKIS_Zuordnung.dat fehlgeschlagen (siehe Protokoll)\n";

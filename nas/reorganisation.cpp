@@ -592,7 +592,7 @@ void IndizesAnlegen(Datenbank& db) {
 std::string Reorganisationsbericht::ZuBuchungenText() const {
     if (zuBuchungen == 0)
         return {};
-    return ", Buchungen \"zu\" der Buchung eines Flurstücks: " + std::to_string(zuBuchungen) +
+    return "Buchungen \"zu\" der Buchung eines Flurstücks: " + std::to_string(zuBuchungen) +
            ", Zeilen: " + std::to_string(zuZeilen);
 }
 
@@ -600,7 +600,7 @@ std::vector<std::string> Reorganisationsbericht::Hinweise() const {
     std::vector<std::string> hinweise;
     for (std::size_t i = 0; i < BezugAnzahl; ++i)
         if (fehlend[i] > 0)
-            hinweise.push_back(", Hinweis: " + std::to_string(fehlend[i]) +
+            hinweise.push_back("Hinweis: " + std::to_string(fehlend[i]) +
                                std::string(HinweisText(static_cast<Bezug>(i))));
     return hinweise;
 }
@@ -668,9 +668,9 @@ Reorganisationsbericht XmlReorganisation(Datenbank& db, NasProtokoll& protokoll,
     protokoll.Eintrag(", Datenbank Reorganisation...");
     DatenbankKomprimieren(db);
     for (const std::string& hinweis : bericht.Hinweise())
-        protokoll.Eintrag(hinweis);
+        protokoll.Eintrag(", " + hinweis);
     if (const std::string zu = bericht.ZuBuchungenText(); !zu.empty())
-        protokoll.Eintrag(zu);
+        protokoll.Eintrag(", " + zu);
     protokoll.NurDatei(", ALKIS-Zusammenstellung komplett...");
     return bericht;
 }

@@ -55,7 +55,7 @@ struct Reorganisationsbericht {
 
     void Zählen(Bezug bezug) { ++fehlend[static_cast<std::size_t>(bezug)]; }
     std::int64_t Anzahl(Bezug bezug) const { return fehlend[static_cast<std::size_t>(bezug)]; }
-    /// The hints of the counts above 0, in their order: ", Hinweis: 3 \"AX_Person\" ohne Bezug...".
+    /// The hints of the counts above 0, in their order: "Hinweis: 3 \"AX_Person\" ohne Bezug...".
     std::vector<std::string> Hinweise() const;
 };
 

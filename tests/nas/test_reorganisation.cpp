@@ -213,11 +213,11 @@ TEST(Reorganisation, FlurstückOhneBuchungBleibtMitHinweisen) {
                       "rowid"),
               (Zeilen{"07256600100099______||"}));
     EXPECT_EQ(bericht.Hinweise(),
-              (std::vector<std::string>{", Hinweis: 1 \"AX_Buchungsblatt\"  ohne Bezug...",
-                                        ", Hinweis: 1 \"AX_NamensnummerId\" ohne Bezug...",
-                                        ", Hinweis: 1 \"id_AX_Buchungsblatt\" ohne Bezug...",
-                                        ", Hinweis: 1 \"position_AP_PTO\" ohne Bezug...",
-                                        ", Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."}));
+              (std::vector<std::string>{"Hinweis: 1 \"AX_Buchungsblatt\"  ohne Bezug...",
+                                        "Hinweis: 1 \"AX_NamensnummerId\" ohne Bezug...",
+                                        "Hinweis: 1 \"id_AX_Buchungsblatt\" ohne Bezug...",
+                                        "Hinweis: 1 \"position_AP_PTO\" ohne Bezug...",
+                                        "Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."}));
     // The protocol file names what was missing, row by row.
     const std::string prn = DateiLesen(g.ordner / "auszug.xml.prn");
     EXPECT_NE(prn.find(", id_AX_Buchungsblatt, Index:  ohne Bezug..."), std::string::npos);
