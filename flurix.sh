@@ -10,12 +10,12 @@ BUILD=${FLURIX_BUILD:-$QUELLEN/build}
 
 PAKETE=(
     build-essential cmake ninja-build ccache pkg-config
-    libsqlite3-dev libzip-dev libxlsxwriter-dev libpugixml-dev
+    libsqlite3-dev libzip-dev libxlsxwriter-dev libpugixml-dev libpolyclipping-dev
     googletest libgtest-dev libgmock-dev libbenchmark-dev
     qt6-base-dev qt6-translations-l10n libgl-dev xvfb xauth
     locales zip unzip xz-utils
     qpdf poppler-utils
-    sqlite3 python3 gdal-bin
+    sqlite3 python3 gdal-bin libsqlite3-mod-spatialite
 )
 
 setup() {

@@ -40,12 +40,51 @@ int Einlesen(Sitzung& sitzung, const nas::NasDirektAuftrag& auftrag, bool behalt
     return sitzung.Beenden(0);
 }
 
+/// --flaechen alle|schnell|bs|lw|bov [--ohne-anpassung] [--svg <folder>]: the area computation of
+/// the compilation, with the fitting to the official area unless told otherwise; the drawings of
+/// the intersections go to the folder only when it is given.
+bool FlächenoptionenSetzen(const Argumente& args, nas::NasDirektAuftrag& auftrag, std::ostream& fehler) {
+    auto& o = auftrag.optionen;
+    const auto flächen = args.Wert("--flaechen");
+    if (!flächen) {
+        if (args.Hat("--ohne-anpassung") || args.Wert("--svg")) {
+            fehler << "flurix nas: --ohne-anpassung und --svg gelten nur mit --flaechen.\n";
+            return false;
+        }
+        return true;
+    }
+    const std::pair<std::string_view, bool nas::NasOptionen::*> arten[] = {
+        {"alle", &nas::NasOptionen::mitNaBerechnung},       {"schnell", &nas::NasOptionen::quickNaBerechnung},
+        {"bs", &nas::NasOptionen::quickBSBerechnung},       {"lw", &nas::NasOptionen::quickLWBerechnung},
+        {"bov", &nas::NasOptionen::quickBROBBerechnung}};
+    bool bekannt = false;
+    for (const auto& [name, feld] : arten)
+        if (*flächen == name) {
+            o.mitNaBerechnung = true; // the "nur ..." options hang on the area computation
+            o.*feld = true;
+            bekannt = true;
+        }
+    if (!bekannt) {
+        fehler << "flurix nas: --flaechen erwartet alle, schnell, bs, lw oder bov.\n";
+        return false;
+    }
+    o.mitFlächenAnpassung = !args.Hat("--ohne-anpassung");
+    o.svgLöschen = !args.Wert("--svg");
+    if (const auto ordner = args.Wert("--svg")) {
+        o.svgLöschen = false;
+        auftrag.zeichnungsordner = *ordner;
+        std::error_code fehlercode;
+        std::filesystem::create_directories(auftrag.zeichnungsordner, fehlercode);
+    }
+    return true;
+}
+
 } // namespace
 
 int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
               const Umgebung& umgebung) {
-    const auto args = ArgumenteLesen(argumente, {"--ohne-protokoll", "--nutzung-ohne-ax"},
-                                     {"--db", "--out", "--format", "--optionen"}, fehler);
+    const auto args = ArgumenteLesen(argumente, {"--ohne-protokoll", "--nutzung-ohne-ax", "--ohne-anpassung"},
+                                     {"--db", "--out", "--format", "--optionen", "--flaechen", "--svg"}, fehler);
     if (!args)
         return 2;
     if (args->positionen.size() != 1) {
@@ -81,6 +120,8 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
         auftrag.optionen.protokollNichtSchreiben = true;
     if (args->Hat("--nutzung-ohne-ax"))
         auftrag.optionen.nutzungOhneAx = true;
+    if (!FlächenoptionenSetzen(*args, auftrag, fehler))
+        return sitzung.Beenden(2);
     if (!out)
         return Einlesen(sitzung, auftrag, db.has_value(), aus, fehler);
 

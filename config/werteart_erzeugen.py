@@ -117,16 +117,35 @@ def Säubern(text):
     return text.replace(";", ",").replace("=", "-").replace('"', "'")
 
 
-def main(argv):
+def Pfade(argv, zielname):
+    """The code-list CSV and the output file from the command line, or their defaults: the shared
+    test data beside the repository and `zielname` beside this script."""
     hier = pathlib.Path(__file__).resolve().parent
     csv_pfad = pathlib.Path(argv[1]) if len(argv) > 1 else \
         hier.parent.parent / "shared" / "testdata" / "alkis-codelists" / "alkis-wertearten-gid6.csv"
-    ziel = pathlib.Path(argv[2]) if len(argv) > 2 else hier / "ALKIS_Werteart.dat"
+    ziel = pathlib.Path(argv[2]) if len(argv) > 2 else hier / zielname
+    return csv_pfad, ziel
 
+
+def Wertelisten(csv_pfad):
+    """The code lists of the CSV: list name -> [(code, description), ...] in file order."""
     listen = {}
     with open(csv_pfad, encoding="utf-8", newline="") as f:
         for zeile in csv.DictReader(f, delimiter=";"):
             listen.setdefault(zeile["typ"], []).append((zeile["wert"].strip(), zeile["beschreibung"]))
+    return listen
+
+
+def Schreiben(ziel, kopf, zeilen):
+    """Windows-1252 with CR LF, as every configuration file of the program."""
+    inhalt = kopf + "\n".join(zeilen) + "\n"
+    ziel.write_bytes(inhalt.replace("\n", "\r\n").encode("cp1252"))
+    print(f"{ziel}: {len(zeilen)} Zeilen")
+
+
+def main(argv):
+    csv_pfad, ziel = Pfade(argv, "ALKIS_Werteart.dat")
+    listen = Wertelisten(csv_pfad)
 
     zeilen = []
     gesehen = set()
@@ -141,9 +160,7 @@ def main(argv):
             gesehen.add(schlüssel)
             zeilen.append(f"{objektart} = {attribut} = {code} = {text}")
 
-    inhalt = KOPF + "\n".join(zeilen) + "\n"
-    ziel.write_bytes(inhalt.replace("\n", "\r\n").encode("cp1252"))
-    print(f"{ziel}: {len(zeilen)} Zeilen")
+    Schreiben(ziel, KOPF, zeilen)
 
 
 if __name__ == "__main__":

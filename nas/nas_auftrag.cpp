@@ -20,6 +20,7 @@ NasDirektAuftrag NasAuftragFür(Programmzustand& zustand, const std::filesystem:
     if (!ansicht.empty())
         auftrag.ansicht = ansicht;
     auftrag.interaktiv = interaktiv;
+    auftrag.zeichnungsordner = zustand.arbeitsverzeichnis;
     return auftrag;
 }
 

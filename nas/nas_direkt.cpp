@@ -4,6 +4,8 @@
 #include "core/einstellungen.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
+#include "nas/konfig_suche.hpp"
+#include "nas/na_anpassung_2019.hpp"
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -44,6 +46,8 @@ Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Ob
     zusammenstellung.konfigOrdner = auftrag.konfigOrdner;
     zusammenstellung.optionen = auftrag.optionen;
     zusammenstellung.großeDatei = bericht.stand.großeDatei;
+    zusammenstellung.zeichnungsordner = auftrag.zeichnungsordner;
+    zusammenstellung.auswahl = auftrag.auswahl;
     ergebnis = ALKISZusammenstellung(zusammenstellung, protokoll, ui, bericht.zusammenstellung);
     if (!ergebnis)
         return ergebnis;
@@ -52,7 +56,10 @@ Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Ob
         auto db = DAO_DatenbankÖffnen(auftrag.datenbank);
         const NachFlurixUmgebung umgebung{auftrag.konfigOrdner, auftrag.ansichtsdatei,
                                           auftrag.ansicht, auftrag.interaktiv};
-        return ALKISnachFlurix(*db, kataster, umgebung, protokoll, ui, bericht.übernahme);
+        Ergebnis übernommen = ALKISnachFlurix(*db, kataster, umgebung, protokoll, ui, bericht.übernahme);
+        if (übernommen && auftrag.optionen.mitNaBerechnung)
+            NaAnpassung2019(kataster, KonfigText(auftrag.konfigOrdner / "ALKIS_Nutzungsart.dat"), ui);
+        return übernommen;
     } catch (const Fehler& e) {
         ui.Meldung(e.what(), "ALKIS-Export", Stil::Fehler);
         return Ergebnis::Fehlschlag(e.what());

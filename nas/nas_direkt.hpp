@@ -10,6 +10,8 @@
 #include "nas/zusammenstellung.hpp"
 
 #include <filesystem>
+#include <optional>
+#include <set>
 #include <string>
 
 namespace flurix {
@@ -29,6 +31,9 @@ struct NasDirektAuftrag {
     std::string ansicht = "alles";
     NasOptionen optionen;
     bool interaktiv = false; ///< a person answers the questions
+    std::filesystem::path zeichnungsordner; ///< drawings of the area computation, when kept
+    /// The parcels of the area computation (the selection of the main table); std::nullopt: all.
+    std::optional<std::set<std::string, std::less<>>> auswahl;
 };
 
 struct NasDirektBericht {

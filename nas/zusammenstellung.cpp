@@ -1,6 +1,9 @@
 #include "nas/zusammenstellung.hpp"
 
 #include "core/datenbank.hpp"
+#include "core/einstellungen.hpp"
+#include "core/text.hpp"
+#include "nas/geometrie.hpp"
 #include "core/oberflaeche.hpp"
 #include "nas/anreicherung.hpp"
 #include "nas/daten_ordnen.hpp"
@@ -20,14 +23,33 @@ void GeometrieEntfernen(Datenbank& db) {
         DAO_FeldLöschen(db, "AX_Flurstueck", spalte);
 }
 
+/// The land-use areas, when the options ask for them and the user agrees; a failure of the step
+/// leaves the parcels' area columns as they were and the compilation goes on.
+void Flächenschritt(const Zusammenstellungsauftrag& auftrag, Datenbank& db, NasProtokoll& protokoll,
+                    Oberfläche& ui, Flächenbericht& bericht) {
+    const auto ausgewählt = auftrag.auswahl ? std::optional<std::size_t>(auftrag.auswahl->size()) : std::nullopt;
+    if (!AuswahlNaBerechnung(ui, ausgewählt))
+        return;
+    const auto einstellungen = auftrag.konfigOrdner / "Flurix.dat";
+    Flächenauftrag flächen;
+    flächen.optionen = auftrag.optionen;
+    flächen.konfigOrdner = auftrag.konfigOrdner;
+    flächen.zeichnungsordner = auftrag.zeichnungsordner;
+    flächen.auswahl = auftrag.auswahl;
+    flächen.pfeilhöhe = PfeilhöheAusEinstellung(EinstellungLesen(einstellungen, "PfeilhöheKreisZuLinie"));
+    const std::string minimum = EinstellungLesen(einstellungen, "ClipperMinFläche");
+    if (!TrimmeLeerzeichen(minimum).empty())
+        flächen.minFläche = ZahlLesen(minimum);
+    Flächenverschneidung(db, flächen, protokoll, ui, bericht);
+}
+
 Ergebnis Stufen(const Zusammenstellungsauftrag& auftrag, const std::string& zuordnung,
                 NasProtokoll& protokoll, Oberfläche& ui, Zusammenstellungsbericht& bericht) {
     auto db = DAO_DatenbankÖffnen(auftrag.datenbank);
     ZuordnungsfunktionenRegistrieren(*db);
     protokoll.Eintrag(", ALKIS-Daten zusammenstellen...");
     if (auftrag.optionen.Flächenberechnung())
-        protokoll.Eintrag(", Flächenverschneidung: in dieser Version von Flurix noch nicht "
-                          "verfügbar, die Nutzungsarten bleiben leer...");
+        Flächenschritt(auftrag, *db, protokoll, ui, bericht.flächen);
 
     bericht.reorganisation = XmlReorganisation(*db, protokoll, ui);
 

@@ -4,12 +4,16 @@
 // compilation could not join is counted and shown as hints; the rows stay.
 
 #include "core/fehler.hpp"
+#include "nas/flaechenverschneidung.hpp"
 #include "nas/nas_optionen.hpp"
 #include "nas/reorganisation.hpp"
 #include "nas/zuordnung.hpp"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
 
 namespace flurix {
 class Oberfläche;
@@ -25,9 +29,15 @@ struct Zusammenstellungsauftrag {
     std::filesystem::path konfigOrdner; ///< ALKIS_Zuordnung.dat, ALKIS_Amtsgerichte.dat
     NasOptionen optionen;
     bool großeDatei = false; ///< drop the parcels' geometry columns after the mapping
+    /// Where the drawings of the area computation go when the options keep them.
+    std::filesystem::path zeichnungsordner;
+    /// The parcels the area computation is asked for (the selection of the main table);
+    /// std::nullopt: all.
+    std::optional<std::set<std::string, std::less<>>> auswahl;
 };
 
 struct Zusammenstellungsbericht {
+    Flächenbericht flächen;
     Reorganisationsbericht reorganisation;
     Zuordnungsbericht zuordnung;
     std::int64_t zeilen = 0; ///< rows of Alkis at the end

@@ -39,15 +39,15 @@ echo "== flurix auszug kataster.tsv --zeile 3"
 "$flurix" auszug "$arbeit"/kataster.tsv --zeile 3 --out "$arbeit"/auszug.pdf 2>&1
 head -c 8 "$arbeit"/auszug.pdf; echo " ($(stat -c %s "$arbeit"/auszug.pdf) Byte)"
 echo
-echo "== flurix nas musterstadt_nas.xml --out nas.tsv (NAS-Datei direkt in die Flurix-Tabelle)"
-"$flurix" nas "$arbeit"/musterstadt_nas.xml --out "$arbeit"/nas.tsv 2>&1
+echo "== flurix nas musterstadt_nas.xml --out nas.tsv --flaechen alle (NAS-Datei direkt in die Flurix-Tabelle, mit Nutzungsarten)"
+"$flurix" nas "$arbeit"/musterstadt_nas.xml --out "$arbeit"/nas.tsv --flaechen alle 2>&1
 echo
 echo "== Auszug aus nas.tsv"
 awk -F'\t' '
     NR == 1 { for (i = 1; i <= NF; i++) spalte[$i] = i; next }
-    NR <= 16 { printf "%-12s %-4s %-10s %-4s %-22s %-30s %s\n", $spalte["Gemarkung"], $spalte["Flur"],
+    NR <= 16 { printf "%-12s %-4s %-10s %-4s %-22s %-30s %-26s %s\n", $spalte["Gemarkung"], $spalte["Flur"],
              $spalte["Flurstück"], $spalte["Eigentümerposition"], $spalte["Name"],
-             $spalte["Straße"] ", " $spalte["Ort"], $spalte["Lagebezeichnung"] }' "$arbeit"/nas.tsv
+             $spalte["Straße"] ", " $spalte["Ort"], $spalte["Lagebezeichnung"], $spalte["Nutzungsart"] }' "$arbeit"/nas.tsv
 echo "-- Protokoll (Auszug) $(basename "$arbeit")/musterstadt_nas.xml.prn:"
 iconv -f WINDOWS-1252 -t UTF-8 "$arbeit"/musterstadt_nas.xml.prn | tr -d '\r' |
     grep -v "Zeile ALKIS\|Zeile Zuordnung\|, Index: " | head -30
