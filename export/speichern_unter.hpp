@@ -44,14 +44,15 @@ std::string_view Endung(Speicherformat format);
 
 /// How the file written is named from the path chosen.
 enum class Zielname {
-    /// The save stem + the format's extension. The stem is the whole path up to its first ".", a
-    /// dot in a folder name included ("/a.b/daten.txt" gives "/a"): the dialog has always done so.
+    /// The save stem + the format's extension (see Speicherstamm).
     Stamm,
     /// The path exactly as given (the command line: a script must know what it gets).
     WieAngegeben,
 };
 
-/// The save stem: `pfad` up to, not including, its first "."; the whole path when it has none.
+/// The save stem: `pfad` up to, not including, the last "." of its file name; a dot in a folder
+/// name and the leading dot of a name (".liste") are kept ("/a.b/daten.txt" gives "/a.b/daten");
+/// the whole path when the name has no other dot.
 std::string Speicherstamm(std::string_view pfad);
 
 /// What a save needs from its surroundings.

@@ -738,8 +738,13 @@ Ergebnis WldgeKomplettLesen(const std::filesystem::path& datei, const ImportOpti
         leser.Ende();
         transaktion.Bestätigen();
     }
-    if (!angenommen)
+    if (!angenommen) {
+        // A file of another format leaves no staging database behind either.
+        db.reset();
+        std::error_code ec;
+        std::filesystem::remove(dbDatei, ec);
         return Ergebnis::Abbruch("Abgabeformat nicht 32");
+    }
 
     WldgeKomplettBericht b;
     b.zeilen = gesamt;

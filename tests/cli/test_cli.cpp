@@ -40,7 +40,8 @@ protected:
                        "tempArbeitsverzeichnis =" + (ordner / "arbeit").string() + "/\r\n");
         DateiSchreiben(konfig / "WebService.fil", "");
         for (const char* name : {"ALKIS_Knoten.dat", "ALKIS_Werteart.dat", "ALKIS_EPSG.dat",
-                                 "ALKIS_Zuordnung.dat", "ALB_ALKISImport.dat", "ALKIS_Amtsgerichte.dat"})
+                                 "ALKIS_Zuordnung.dat", "ALB_ALKISImport.dat", "ALKIS_Amtsgerichte.dat",
+                                 "ALKIS_Nutzungsart.dat"})
             fs::copy_file(Quellen / "config" / name, konfig / name);
         DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "nurname=Name;Flur\r\n");
         umgebung.installation = ordner / "inst";
@@ -54,33 +55,38 @@ protected:
     }
 
     std::string Maskiert(std::string text) const {
-        for (const auto& [pfad, name] : {std::pair{ordner.pfad().string(), "<ordner>"},
-                                         std::pair{Quellen.string(), "<quellen>"}})
+        for (const auto& [pfad, name] : pfade)
             for (auto stelle = text.find(pfad); stelle != std::string::npos; stelle = text.find(pfad, stelle))
                 text.replace(stelle, pfad.size(), name);
         static const std::regex uhrzeit("(^|\n)[0-9]{2}:[0-9]{2}:[0-9]{2}");
         return std::regex_replace(text, uhrzeit, "$1hh:mm:ss");
     }
 
+    // Runs one call, "<ordner>" and "<quellen>" in its arguments replaced: exit code, stdout, stderr.
+    std::tuple<int, std::string, std::string> Direkt(const std::vector<std::string>& argumente) {
+        std::vector<std::string> eingesetzt;
+        for (std::string arg : argumente) {
+            for (const auto& [pfad, name] : pfade)
+                if (const auto stelle = arg.find(name); stelle != std::string::npos)
+                    arg.replace(stelle, name.size(), pfad);
+            eingesetzt.push_back(arg);
+        }
+        std::ostringstream aus, fehler;
+        const int code = Ausführen(eingesetzt, aus, fehler, umgebung);
+        return {code, aus.str(), fehler.str()};
+    }
+
     // Runs the calls in order, then compares the transcript with erwartet/<gruppe>.txt and each
     // written file with its expected file.
     void Laufen(const std::string& gruppe, const std::vector<Aufruf>& aufrufe) {
         for (const auto& a : aufrufe) {
-            std::vector<std::string> argumente;
             protokoll << "$ flurix";
-            for (std::string arg : a.argumente) {
-                for (const auto& [name, pfad] : {std::pair{std::string("<ordner>"), ordner.pfad().string()},
-                                                 std::pair{std::string("<quellen>"), Quellen.string()}})
-                    if (arg.find(name) != std::string::npos)
-                        arg.replace(arg.find(name), name.size(), pfad);
-                argumente.push_back(arg);
-                protokoll << " " << a.argumente[argumente.size() - 1];
-            }
-            protokoll << "\n";
-            std::ostringstream aus, fehler;
-            const int code = Ausführen(argumente, aus, fehler, umgebung);
-            protokoll << "Ende " << code << "\n" << Maskiert(aus.str());
-            std::istringstream zeilen(Maskiert(fehler.str()));
+            for (const auto& arg : a.argumente)
+                protokoll << " " << arg;
+            protokoll << "\n"; // the desktop program's line follows, when the call starts it
+            const auto [code, aus, fehler] = Direkt(a.argumente);
+            protokoll << "Ende " << code << "\n" << Maskiert(aus);
+            std::istringstream zeilen(Maskiert(fehler));
             for (std::string zeile; std::getline(zeilen, zeile);)
                 protokoll << "! " << zeile << "\n";
             protokoll << "\n";
@@ -98,6 +104,8 @@ protected:
     }
 
     test::TempOrdner ordner;
+    const std::pair<std::string, std::string> pfade[2] = {{ordner.pfad().string(), "<ordner>"},
+                                                           {Quellen.string(), "<quellen>"}};
     Umgebung umgebung;
     std::ostringstream protokoll;
 };
@@ -162,6 +170,11 @@ TEST_F(CliGolden, Nas) {
          {{"nas.tsv", "nas_muster.tsv"}, {"muster.xml.prn", "nas_muster.prn"}}},
         // "flurix import" takes the same road for a NAS file.
         {{"import", "<ordner>/muster.xml", "--out", "<ordner>/import.tsv", }, {{"import.tsv", "nas_muster.tsv"}}},
+        // With the land-use areas, fitted to the official area.
+        {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/flaechen.tsv", "--flaechen", "alle", "--ohne-protokoll"},
+         {{"flaechen.tsv", "nas_muster_flaechen.tsv"}}},
+        {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/f.tsv", "--flaechen", "manche"}},
+        {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/f.tsv", "--svg", "<ordner>/svg"}},
         {{"nas", "<ordner>/muster.xml", "--out", "<ordner>/t.abc"}},
         {{"nas", "<ordner>/muster.xml", "--format", "tsv"}},
         {{"nas", "<ordner>/kein.xml", "--db", "<ordner>/b.sqlite", "--ohne-protokoll"}},
@@ -170,10 +183,9 @@ TEST_F(CliGolden, Nas) {
     });
     EXPECT_FALSE(fs::exists(ordner / "kein.xml.prn")) << "--ohne-protokoll";
     fs::remove(ordner / "inst" / "config" / "ALKIS_Zuordnung.dat");
-    std::ostringstream aus, fehler;
-    EXPECT_EQ(Ausführen({"nas", (ordner / "muster.xml").string(), "--out", (ordner / "z.tsv").string()},
-                        aus, fehler, umgebung), 1);
-    EXPECT_NE(fehler.str().find("ERR: Knotendatei \"ALKIS_Zuordnung.dat\" nicht vorhanden!"), std::string::npos);
+    const auto [code, aus, fehler] = Direkt({"nas", "<ordner>/muster.xml", "--out", "<ordner>/z.tsv"});
+    EXPECT_EQ(code, 1);
+    EXPECT_NE(fehler.find("ERR: Knotendatei \"ALKIS_Zuordnung.dat\" nicht vorhanden!"), std::string::npos);
     EXPECT_FALSE(fs::exists(ordner / "z.tsv"));
 }
 
@@ -207,17 +219,16 @@ TEST_F(CliGolden, Export) {
                                                           {"sqlite", std::string("SQLite format 3\0", 16)}};
     for (const auto& [format, anfang] : binär) {
         const fs::path out = ordner / "aus" / ("b." + format);
-        std::ostringstream aus, fehler;
-        EXPECT_EQ(Ausführen({"export", (ordner / "t.tsv").string(), "--format", format, "--out", out.string()},
-                            aus, fehler, umgebung), 0) << fehler.str();
+        const auto [code, aus, fehler] = Direkt({"export", "<ordner>/t.tsv", "--format", format, "--out", out.string()});
+        EXPECT_EQ(code, 0) << fehler;
         EXPECT_EQ(DateiLesen(out).substr(0, anfang.size()), anfang) << format;
     }
     // Without marks, --nur-markierte has nothing to write.
     DateiSchreiben(ordner / "leer.tsv", "Gemarkung\tcheckdruck\nNord\t\n");
-    std::ostringstream aus, fehler;
-    EXPECT_EQ(Ausführen({"export", (ordner / "leer.tsv").string(), "--format", "xml", "--out",
-                         (ordner / "l.xml").string(), "--nur-markierte"}, aus, fehler, umgebung), 1);
-    EXPECT_NE(fehler.str().find("Keine Zeile der Tabelle ist markiert"), std::string::npos);
+    const auto [code, aus, fehler] =
+        Direkt({"export", "<ordner>/leer.tsv", "--format", "xml", "--out", "<ordner>/l.xml", "--nur-markierte"});
+    EXPECT_EQ(code, 1);
+    EXPECT_NE(fehler.find("Keine Zeile der Tabelle ist markiert"), std::string::npos);
 }
 
 TEST_F(CliGolden, SuchenUndMarkieren) {
@@ -274,9 +285,9 @@ TEST_F(CliGolden, Auszug) {
     for (const char* name : {"ALB-120101-001-123.pdf", "ALB-120101-002-7.pdf", "ALB-120101-002-8.pdf"})
         EXPECT_EQ(DateiLesen(ordner / "arbeit" / name).substr(0, 8), "%PDF-1.1") << name;
     ::setenv("SOURCE_DATE_EPOCH", "gestern", 1);
-    std::ostringstream aus, fehler;
-    EXPECT_EQ(Ausführen({"auszug", (ordner / "t.tsv").string(), "--zeile", "1"}, aus, fehler, umgebung), 2);
-    EXPECT_NE(fehler.str().find("SOURCE_DATE_EPOCH"), std::string::npos);
+    const auto [code, aus, fehler] = Direkt({"auszug", "<ordner>/t.tsv", "--zeile", "1"});
+    EXPECT_EQ(code, 2);
+    EXPECT_NE(fehler.find("SOURCE_DATE_EPOCH"), std::string::npos);
     ::unsetenv("SOURCE_DATE_EPOCH");
 }
 
@@ -291,8 +302,7 @@ TEST_F(CliGolden, KonfigSichernUndEinlesen) {
         {{"konfig", "packen", "<ordner>/sicherung.zip"}},
     });
     DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat", "verändert");
-    std::ostringstream aus, fehler;
-    EXPECT_EQ(Ausführen({"konfig", "einlesen", (ordner / "sicherung.zip").string()}, aus, fehler, umgebung), 0);
+    EXPECT_EQ(std::get<0>(Direkt({"konfig", "einlesen", "<ordner>/sicherung.zip"})), 0);
     EXPECT_EQ(DateiLesen(konfig / "ALB_DatenbankSpalten.dat"), "Kataster ALKIS=Flur\r\n");
 }
 

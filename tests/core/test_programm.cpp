@@ -1,186 +1,165 @@
 #include "core/programm.hpp"
 
 #include "core/benutzereinstellungen.hpp"
-#include "core/oberflaeche_skript.hpp"
+#include "core/einstellungen.hpp"
+#include "core/nummernformat.hpp"
 #include "core/tabellendatei.hpp"
 #include "gemeinsam/testumgebung.hpp"
+#include "kernhilfen.hpp"
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
+#include <clocale>
 
 namespace flurix {
 namespace {
 
+namespace fs = std::filesystem;
+using namespace std::string_literals;
 using test::DateiSchreiben;
+using Texte = std::vector<std::string>;
 
-class FesterPunkt final : public Zahlenformat {
+// A system whose separator the test chooses; it counts how often the program sets it.
+class SpielZahlenformat final : public Zahlenformat {
 public:
-    std::string EinsKommaEins() const override { return "1.1"; }
-    bool SeparatorenSetzen(char, char) override { return true; }
+    explicit SpielZahlenformat(char dezimal) : m_dezimal(dezimal) {}
+    std::string EinsKommaEins() const override { return std::string("1") + m_dezimal + "1"; }
+    bool SeparatorenSetzen(char dezimal, char) override {
+        m_dezimal = dezimal;
+        ++gesetzt;
+        return true;
+    }
+    char m_dezimal;
+    int gesetzt = 0;
 };
+
+Texte Dateien(const fs::path& ordner) {
+    Texte namen;
+    for (const auto& e : fs::directory_iterator(ordner))
+        namen.push_back(e.path().filename().string());
+    std::sort(namen.begin(), namen.end());
+    return namen;
+}
 
 // An installation in a scratch folder: config/Flurix.dat names a working directory beside it.
 class ProgrammTest : public ::testing::Test {
 protected:
     ProgrammTest() {
-        arbeit = ordner / "arbeit";
-        Einstellungen("tempArbeitsverzeichnis =" + arbeit.string() + "/\r\n");
-        DateiSchreiben(ordner / "config" / "WebService.fil", "");
+        DateiSchreiben(konfig / "Flurix.dat", "tempArbeitsverzeichnis =" + arbeit.string() + "/\r\n");
+        DateiSchreiben(konfig / "WebService.fil", "");
     }
-    void Einstellungen(const std::string& text) {
-        DateiSchreiben(ordner / "config" / "Flurix.dat", text);
-    }
-    Ergebnis Starten(std::string_view zeile) {
-        return Programmstart(zustand, zeile, format, ui);
-    }
+    Ergebnis Starten(std::string_view zeile) { return Programmstart(zustand, zeile, format, ui); }
 
     test::TempOrdner ordner;
-    std::filesystem::path arbeit;
+    fs::path arbeit = ordner / "arbeit";
+    fs::path konfig = ordner / "config";
     Programmzustand zustand{Installation{ordner.pfad()}};
-    FesterPunkt format;
+    SpielZahlenformat format{'.'};
     SkriptOberfläche ui;
 };
 
-TEST_F(ProgrammTest, StartOhneAuftragRäumtAufUndLiestAnsichten) {
-    for (const char* rest : {"tmp_dao_Gaz.xml", "tmp_dao_Gaz.mdb", "tmp_dao_GGVis.mdb",
-                             "tmp_dao_GGVis.out", "tmp_dao_GGVis.out.prn", "_tmpDAOdbFile1.mdb",
-                             "_tmpDAOdbFile.x"})
-        DateiSchreiben(arbeit / rest, "alt");
-    DateiSchreiben(arbeit / "tmp_flurix", "bleibt");
-    DateiSchreiben(arbeit / "_tmpDAOdbFile", "bleibt: kein Punkt");
-    DateiSchreiben(ordner / "config" / "ALB_DatenbankSpalten.dat",
+// Start-ups in the installation one after another, and the decimal separator check at the start,
+// at a later use and at the end, as tests/daten/core/programm.txt.
+TEST_F(ProgrammTest, Wertetabelle) {
+    DateiSchreiben(konfig / "ALB_DatenbankSpalten.dat",
                    "Kataster ALKIS=Gemarkung;Flur\r\n\r\nAL-amtl.Lageplan =Flur\r\nEigent\xFCmer=Name\r\n");
-
-    ASSERT_TRUE(Starten(""));
-    EXPECT_EQ(zustand.auftrag.art, Startart::Interaktiv);
-    EXPECT_EQ(zustand.arbeitsverzeichnis, arbeit / "");
-    EXPECT_EQ(zustand.dialogStartordner, (arbeit / "").string());
-    std::vector<std::string> übrig;
-    for (const auto& e : std::filesystem::directory_iterator(arbeit))
-        übrig.push_back(e.path().filename().string());
-    std::sort(übrig.begin(), übrig.end());
-    EXPECT_EQ(übrig, (std::vector<std::string>{"_tmpDAOdbFile", "tmp_flurix"}));
-    EXPECT_EQ(zustand.spaltenansichten,
-              (std::vector<std::string>{"Kataster ALKIS", "AL-amtl.Lageplan", "Eigentümer"}));
-    EXPECT_EQ(zustand.gewünschteAnsicht, "Kataster ALKIS");
-    EXPECT_FALSE(zustand.protokollMapAnfrage);
-    EXPECT_TRUE(ui.Meldungen().empty());
-}
-
-TEST_F(ProgrammTest, EinstellungenDerAnsichtUndDesProtokolls) {
-    Einstellungen("tempArbeitsverzeichnis =" + arbeit.string() +
-                  "\r\nFlurixSpaltenanzeige =Eigentümer\r\nProtokollMapAnfrage =ja\r\n");
-    ASSERT_TRUE(Starten(""));
-    EXPECT_EQ(zustand.gewünschteAnsicht, "Eigentümer");
-    EXPECT_TRUE(zustand.protokollMapAnfrage);
-    EXPECT_EQ(zustand.arbeitsverzeichnis, arbeit / ""); // a missing last "/" is added
-}
-
-TEST_F(ProgrammTest, OhneEinstellungsdateiGeltenDieVorgaben) {
-    std::filesystem::remove(ordner / "config" / "Flurix.dat");
-    ASSERT_TRUE(Starten(""));
-    EXPECT_EQ(zustand.arbeitsverzeichnis, StandardArbeitsverzeichnis());
-    EXPECT_EQ(zustand.gewünschteAnsicht, "Kataster ALKIS");
-    EXPECT_TRUE(ui.Meldungen().empty());
-}
-
-// Each of these ends the program before it opens a window, with its message and title.
-TEST_F(ProgrammTest, StartfehlerBeenden) {
-    DateiSchreiben(ordner / "datei", "ich bin eine Datei");
-    const auto unmöglich = ordner / "datei" / "arbeit";
-    struct Fall {
-        std::function<void()> vorher;
-        std::string zeile, meldung, titel;
-    };
-    const Fall fälle[] = {
-        {[&] { Einstellungen("tempArbeitsverzeichnis =" + unmöglich.string() + "/\r\n"); }, "",
-         "Das Arbeitsverzeichnis: \"" + unmöglich.string() + "/\" konnte nicht erstellt werden.\nBitte prüfen "
-         "Sie Ihre Lese- und Schreibrechte,\noder informieren Ihren System-Administrator!\nAbbruch!   ", "Flurix"},
-        {[&] { Einstellungen("tempArbeitsverzeichnis =" + arbeit.string() + "/\r\n");
-                std::filesystem::remove(ordner / "config" / "WebService.fil"); }, "",
-         "Flurix nicht korrekt installiert! Abbruch!   ", "MAP-Viewer"},
-        {[&] { DateiSchreiben(ordner / "config" / "WebService.fil", ""); }, "kreis.wldge",
-         "Fehlerhafte Auftragspfadbeschreibung! Abbruch!   ", "Flurix"},
-    };
-    for (const auto& f : fälle) {
-        SCOPED_TRACE(f.meldung);
-        f.vorher();
-        SkriptOberfläche frisch;
-        EXPECT_EQ(Programmstart(zustand, f.zeile, format, frisch).status(), Ergebnis::Status::Beenden);
-        EXPECT_EQ(frisch.Meldungen(), std::vector<std::string>{f.meldung});
-        EXPECT_EQ(frisch.Ereignisse().back().titel, f.titel);
-    }
-}
-
-TEST_F(ProgrammTest, AuftragspfadWirdStartordnerDerDialoge) {
-    ASSERT_TRUE(Starten("/daten/kreis/auszug.wldge"));
-    EXPECT_EQ(zustand.auftrag.art, Startart::DateiLaden);
-    EXPECT_EQ(zustand.dialogStartordner, "/daten/kreis/");
-}
-
-TEST_F(ProgrammTest, WebSchlüsselWirdGelesenUndFehlerGemeldet) {
-    WfsSchlüsselSchreiben(ordner / "config" / "wfs.key", " nutzer ", "geheim=1");
-    ASSERT_TRUE(Starten(""));
-    EXPECT_EQ(zustand.webBenutzer, "nutzer");
-    EXPECT_EQ(zustand.webPasswort, "geheim=1");
-
-    DateiSchreiben(ordner / "config" / "wfs.key", "kaputt");
-    ASSERT_TRUE(Starten(""));
-    EXPECT_EQ(zustand.webBenutzer, "");
-    EXPECT_EQ(ui.Meldungen(), std::vector<std::string>{"Fehler beim Einlesen der Key-Datei " +
-                                                       (ordner / "config" / "wfs.key").string() +
-                                                       "!   "});
+    const char* status[] = {"Ok", "Fehler", "Abgebrochen", "Beenden"};
+    const char* arten[] = {"Interaktiv", "DateiLaden", "NasStapel", "Karte", "Beenden"};
+    EXPECT_EQ(test::Wertetabelle("programm.txt", {
+        {"Datei", [&](const test::Argumente& a) {
+             return a[1] == "-" ? (fs::remove(a[0]), "gelöscht") : (DateiSchreiben(a[0], a[1]), "geschrieben");
+         }},
+        {"Schlüssel", [&](const test::Argumente& a) {
+             return WfsSchlüsselSchreiben(konfig / "wfs.key", a[0], a[1]), std::string("geschrieben");
+         }},
+        {"Start", [&](const test::Argumente& a) {
+             Programmzustand z{Installation{ordner.pfad()}};
+             SkriptOberfläche start;
+             const auto e = Programmstart(z, a[0], format, start).status();
+             std::string text = status[static_cast<int>(e)] + (" "s + arten[static_cast<int>(z.auftrag.art)]);
+             if (e != Ergebnis::Status::Beenden)
+                 text += " arbeit " + test::Zitat(z.arbeitsverzeichnis.string()) + " dialog " +
+                         test::Zitat(z.dialogStartordner) + " ansichten " + test::Liste(z.spaltenansichten) + " " +
+                         test::Zitat(z.gewünschteAnsicht) + (z.protokollMapAnfrage ? " Protokoll" : "") +
+                         (z.webBenutzer.empty() ? "" : " web " + test::Liste({z.webBenutzer, z.webPasswort})) +
+                         " übrig " + test::Liste(Dateien(arbeit));
+             text = test::Ersetzt(text, StandardArbeitsverzeichnis().string(), "<Standard>/");
+             return text + test::Verlauf(start, true);
+         }},
+        {"PrüfeNummerFormat", [&](const test::Argumente& a) {
+             DateiSchreiben(ordner / "nummern" / "Flurix.dat", a[0]);
+             const Einstellungen einstellungen(ordner / "nummern" / "Flurix.dat");
+             SpielZahlenformat system(a[1][0]);
+             NummernformatZustand nummern;
+             SkriptOberfläche meldungen;
+             PrüfeNummerFormatAufruf(einstellungen, system, nummern, meldungen);
+             std::string text = nummern.FormatGeprüft ? "geprüft" : "nicht geprüft";
+             if (a[2] == "wieder")
+                 system.m_dezimal = ',';
+             PrüfeNummerFormatAufruf(einstellungen, system, nummern, meldungen);
+             text += (nummern.KommaGeändert ? ", Komma geändert" : "") + (", gesetzt " + std::to_string(system.gesetzt));
+             NummerFormatZurücksetzen(einstellungen, system, nummern, meldungen);
+             return text + ", am Ende " + std::to_string(system.gesetzt) + " " + test::Zitat(system.EinsKommaEins()) +
+                    test::Verlauf(meldungen, true);
+         }},
+    }, ordner.pfad()), "");
 }
 
 TEST_F(ProgrammTest, BeendenFragtRäumtAufUndSpeichertBreiten) {
     ASSERT_TRUE(Starten(""));
-    DateiSchreiben(arbeit / "tmp_dao_GGVis.out", "x");
-    DateiSchreiben(arbeit / "_tmp_DAODB_QGIS_1.mdb", "x");
-    DateiSchreiben(arbeit / "nas.sqlite", "x");
+    for (const char* rest : {"tmp_dao_GGVis.out", "_tmp_DAODB_QGIS_1.mdb", "nas.sqlite"})
+        DateiSchreiben(arbeit / rest, "x");
     zustand.arbeitsdatenbanken.push_back(arbeit / "nas.sqlite");
     bool karteZu = false;
     const Beendenumgebung umgebung{[&] { karteZu = true; }, "1200,3000", ordner / "benutzer"};
-
     ui.Antworten({Antwort::Nein});
     EXPECT_EQ(Beenden(zustand, format, ui, umgebung).status(), Ergebnis::Status::Abgebrochen);
     EXPECT_FALSE(karteZu);
-    EXPECT_TRUE(std::filesystem::exists(arbeit / "tmp_dao_GGVis.out"));
-
+    EXPECT_EQ(Dateien(arbeit).size(), 3u);
     ui.Antworten({Antwort::Ja});
     EXPECT_TRUE(Beenden(zustand, format, ui, umgebung));
     EXPECT_TRUE(karteZu);
-    EXPECT_EQ(ui.Fragen(),
-              std::vector<std::string>(2, "Wollen Sie den Flurix jetzt wirklich beenden?   "));
-    for (const char* weg : {"tmp_dao_GGVis.out", "_tmp_DAODB_QGIS_1.mdb", "nas.sqlite"})
-        EXPECT_FALSE(std::filesystem::exists(arbeit / weg)) << weg;
-    EXPECT_EQ(Benutzereinstellungen(ordner / "benutzer").Lesen("MyApplication", "GridFlurix",
-                                                               "ColWidths"),
+    EXPECT_EQ(ui.Fragen(), Texte(2, "Wollen Sie den Flurix jetzt wirklich beenden?   "));
+    EXPECT_TRUE(Dateien(arbeit).empty());
+    EXPECT_EQ(Benutzereinstellungen(ordner / "benutzer").Lesen("MyApplication", "GridFlurix", "ColWidths"),
               "1200,3000");
-}
 
-TEST_F(ProgrammTest, UnbeaufsichtigtWirdNichtGefragt) {
+    // Unattended, it does not ask.
     ASSERT_TRUE(Starten("/daten/auftrag.xml /ggout /still"));
     EXPECT_TRUE(zustand.auftrag.StillModus);
     ui.Antworten({Antwort::Nein});
     EXPECT_TRUE(Beenden(zustand, format, ui, {}));
-    EXPECT_TRUE(ui.Fragen().empty());
+    EXPECT_EQ(ui.Fragen().size(), 2u);
 }
 
 TEST_F(ProgrammTest, StarteinstellungSchreibtDieVierSchlüssel) {
-    const auto datei = ordner / "config" / "Flurix.dat";
-    DateiSchreiben(datei, "StartMapWebService =\r\n\r\nStartMapWebServiceKoo =\r\n"
-                          "StartMapWebServiceEPSG =\r\nStartMapWebServiceMa\xDF" "stab =0\r\n");
+    DateiSchreiben(konfig / "Flurix.dat", "StartMapWebService =\r\n\r\nStartMapWebServiceKoo =\r\n"
+                                          "StartMapWebServiceEPSG =\r\nStartMapWebServiceMa\xDF" "stab =0\r\n");
     const Kartenstart werte{"TopPlusOpen", "350000;5600000", "25832", "2500"};
     ASSERT_TRUE(StarteinstellungÜbernehmen(zustand.einstellungen, werte, ui));
-    EXPECT_EQ(test::DateiLesen(datei),
+    EXPECT_EQ(test::DateiLesen(konfig / "Flurix.dat"),
               "StartMapWebService =TopPlusOpen\r\nStartMapWebServiceKoo =350000;5600000\r\n"
               "StartMapWebServiceEPSG =25832\r\nStartMapWebServiceMa\xDF" "stab =2500\r\n");
-    EXPECT_EQ(ui.Meldungen(), std::vector<std::string>{"Systemdatei Flurix.dat erfolgreich geändert!   "});
-    int kopien = 0;
-    for (const auto& e : std::filesystem::directory_iterator(ordner / "config"))
-        kopien += e.path().filename().string().starts_with("Flurix.dat_") ? 1 : 0;
-    EXPECT_EQ(kopien, 1);
+    EXPECT_EQ(ui.Meldungen(), Texte{"Systemdatei Flurix.dat erfolgreich geändert!   "});
+    const Texte dateien = Dateien(konfig);
+    EXPECT_EQ(std::count_if(dateien.begin(), dateien.end(), [](const auto& n) { return n.starts_with("Flurix.dat_"); }),
+              1);
+}
+
+TEST(ProzessZahlenformat, KommaLocaleWirdFürDenProzessAufPunktGestellt) {
+    const std::string vorher = std::setlocale(LC_NUMERIC, nullptr);
+    if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+        GTEST_SKIP() << "Locale de_DE.UTF-8 ist nicht installiert (./flurix.sh setup erzeugt sie)";
+    {
+        ProzessZahlenformat format;
+        EXPECT_EQ(format.EinsKommaEins(), "1,1");
+        EXPECT_TRUE(format.SeparatorenSetzen('.', ' '));
+        EXPECT_EQ(format.EinsKommaEins(), "1.1");
+        EXPECT_TRUE(format.SeparatorenSetzen(',', '.'));
+        EXPECT_EQ(format.EinsKommaEins(), "1,1");
+    }
+    std::setlocale(LC_NUMERIC, vorher.c_str());
 }
 
 } // namespace

@@ -4,14 +4,12 @@
 #include "gui/qt_text.hpp"
 
 #include <QAbstractButton>
-#include <QApplication>
+#include <QAction>
 #include <QEventLoop>
 #include <QLabel>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QStatusBar>
-
-#include <gtest/gtest.h>
 
 #include <array>
 #include <memory>
@@ -42,10 +40,21 @@ private:
 [[maybe_unused]] const ::testing::Environment* const qtUmgebung =
     ::testing::AddGlobalTestEnvironment(new QtUmgebung);
 
-} // namespace
+// The installation of a Hauptfenster and the start-up over it, before the window is made.
+Ergebnis Starten(const TempOrdner& ordner, Programmzustand& zustand, Zahlenformat& format,
+                 Oberfläche& ui, std::string_view ansichten) {
+    const auto konfig = zustand.installation.Konfig();
+    DateiSchreiben(konfig / "Flurix.dat",
+                   "tempArbeitsverzeichnis =" + (ordner / "arbeit").string() + "\r\n");
+    DateiSchreiben(konfig / "WebService.fil", "");
+    if (!ansichten.empty())
+        DateiSchreiben(zustand.installation.Spaltenansichten(), Utf8NachCp1252(ansichten));
+    Ergebnis start = Programmstart(zustand, "", format, ui);
+    EXPECT_TRUE(start) << start.Meldung();
+    return start;
+}
 
-Beantworter::Beantworter(QMessageBox::StandardButton wahl)
-    : Beantworter(std::vector<QMessageBox::StandardButton>{wahl}) {}
+} // namespace
 
 Beantworter::Beantworter(std::vector<QMessageBox::StandardButton> folge)
     : m_folge(std::move(folge)) {
@@ -64,12 +73,12 @@ void Beantworter::Antworten() {
          {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel, QMessageBox::Ok})
         if (QAbstractButton* k = box->button(knopf))
             beschriftungen << k->text();
-    const std::size_t nummer = boxen.size();
     boxen.push_back({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
                      vorgabe ? box->standardButton(vorgabe) : QMessageBox::NoButton,
                      beschriftungen});
     const QMessageBox::StandardButton wahl =
-        m_folge.empty() ? QMessageBox::NoButton : m_folge[std::min(nummer, m_folge.size() - 1)];
+        m_folge.empty() ? QMessageBox::NoButton
+                        : m_folge[std::min(boxen.size(), m_folge.size()) - 1];
     QAbstractButton* knopf = wahl == QMessageBox::NoButton ? vorgabe : box->button(wahl);
     if (!knopf) {
         ADD_FAILURE() << "the box has no such button: " << gui::Utf8(box->text());
@@ -79,6 +88,33 @@ void Beantworter::Antworten() {
     knopf->click();
 }
 
+QStringList Beantworter::Texte() const {
+    QStringList texte;
+    for (const Box& box : boxen)
+        texte << box.text;
+    return texte;
+}
+
+QStringList Beantworter::Beschreibungen() const {
+    QStringList texte;
+    for (const Box& box : boxen)
+        texte << Beschreibung(box);
+    return texte;
+}
+
+QString Beschreibung(const Box& box) {
+    const char* const symbole[] = {"ohne", "Information", "Warnung", "Fehler", "Frage"};
+    QStringList knöpfe;
+    for (const auto knopf :
+         {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel, QMessageBox::Ok})
+        if (box.knöpfe.testFlag(knopf))
+            knöpfe << box.beschriftungen.value(static_cast<int>(knöpfe.size())) +
+                          (box.vorgabe == knopf ? QStringLiteral("*") : QString());
+    return QStringLiteral("[%1] \"%2\" [%3]: %4")
+        .arg(QString::fromUtf8(symbole[std::clamp(static_cast<int>(box.symbol), 0, 4)]), box.titel,
+             knöpfe.join(u'|'), box.text);
+}
+
 void Warten(const std::function<bool()>& fertig) {
     for (int i = 0; i < 400 && !fertig(); ++i) {
         QEventLoop schleife;
@@ -86,24 +122,6 @@ void Warten(const std::function<bool()>& fertig) {
         schleife.exec();
     }
 }
-
-namespace {
-
-// The installation of a Hauptfenster and the start-up over it, before the window is made.
-Ergebnis Starten(const TempOrdner& ordner, Programmzustand& zustand, Zahlenformat& format,
-                 Oberfläche& ui, std::string_view ansichten) {
-    const auto konfig = zustand.installation.Konfig();
-    DateiSchreiben(konfig / "Flurix.dat",
-                   "tempArbeitsverzeichnis =" + (ordner / "arbeit").string() + "\r\n");
-    DateiSchreiben(konfig / "WebService.fil", "");
-    if (!ansichten.empty())
-        DateiSchreiben(zustand.installation.Spaltenansichten(), Utf8NachCp1252(ansichten));
-    Ergebnis start = Programmstart(zustand, "", format, ui);
-    EXPECT_TRUE(start) << start.Meldung();
-    return start;
-}
-
-} // namespace
 
 Hauptfenster::Hauptfenster(std::string_view ansichten)
     : start(Starten(ordner, zustand, format, ui, ansichten)) {
@@ -115,9 +133,21 @@ Hauptfenster::Hauptfenster(std::string_view ansichten)
     });
 }
 
+void Hauptfenster::Auslösen(const char* aktion) {
+    if (auto* a = Element<QAction>(aktion))
+        a->trigger();
+}
+
 QString Panel(const gui::FormDatenbank& fenster, int nummer) {
     const auto* label = fenster.statusBar()->findChild<QLabel*>(QString::number(nummer));
     return label ? label->text() : QStringLiteral("<fehlt>");
+}
+
+QStringList Einträge(const QComboBox& box) {
+    QStringList texte;
+    for (int i = 0; i < box.count(); ++i)
+        texte << box.itemText(i);
+    return texte;
 }
 
 } // namespace flurix::test

@@ -1,17 +1,23 @@
 #pragma once
-// What the tests of the desktop program share: the one QApplication (offscreen), a helper that
-// answers message boxes, waiting in the event loop, and a main window over a scratch installation.
+// What the tests of the desktop program share: the one QApplication (offscreen), helpers that
+// answer message boxes and dialogs, waiting in the event loop, and a main window over a scratch
+// installation.
 
+#include "core/kataster.hpp"
 #include "core/programm.hpp"
 #include "gemeinsam/testumgebung.hpp"
 #include "gui/form_datenbank.hpp"
+#include "gui/kataster_modell.hpp"
 #include "gui/qt_oberflaeche.hpp"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QMessageBox>
-#include <QStringList>
+#include <QTableView>
 #include <QTimer>
 #include <QUrl>
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>
@@ -29,14 +35,22 @@ struct Box {
     QStringList beschriftungen; ///< of its buttons Yes, No, Cancel, Ok, in that order
 };
 
+/// A box in one line: `[Symbol] "Titel" [Knopf|Knopf*]: Text`, the default button marked by a star.
+QString Beschreibung(const Box& box);
+
 /// Answers every message box that opens while it lives: notes what it shows and clicks the button
-/// `wahl` names (the default button when `wahl` is NoButton), or the next of `folge` when given.
+/// `wahl` names (the default button when `wahl` is NoButton), or the next of `folge` when given
+/// (further boxes get the last one).
 class Beantworter {
 public:
-    explicit Beantworter(QMessageBox::StandardButton wahl = QMessageBox::NoButton);
-    /// Answers the boxes in turn with these buttons; further boxes get the last one.
+    explicit Beantworter(QMessageBox::StandardButton wahl = QMessageBox::NoButton)
+        : Beantworter(std::vector{wahl}) {}
     explicit Beantworter(std::vector<QMessageBox::StandardButton> folge);
     std::vector<Box> boxen;
+    /// The texts of the boxes seen, in turn.
+    QStringList Texte() const;
+    /// Beschreibung of the boxes seen, in turn.
+    QStringList Beschreibungen() const;
 
 private:
     void Antworten();
@@ -52,9 +66,8 @@ public:
         m_zeitgeber.setInterval(5);
         QObject::connect(&m_zeitgeber, &QTimer::timeout, [this] {
             auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
-            if (!dialog || !dialog->isVisible() || gesehen)
+            if (!dialog || !dialog->isVisible() || std::exchange(gesehen, true))
                 return;
-            gesehen = true;
             m_handeln(*dialog);
         });
         m_zeitgeber.start();
@@ -70,27 +83,45 @@ private:
 void Warten(const std::function<bool()>& fertig);
 
 /// A main window over an installation in a scratch folder, made as the program makes it: the
-/// start-up runs first (working directory "arbeit" in the folder, the views file `ansichten` in
-/// Windows-1252 when given), then the window. Its per-user settings lie in the folder too, and the
-/// files it would open in the system's programs are recorded instead.
+/// start-up runs first (working directory "arbeit" in the folder, the views file `ansichten`, given
+/// in UTF-8, written in Windows-1252), then the window. Its per-user settings lie in the folder
+/// too, and the files it would open in the system's programs are recorded instead.
 struct Hauptfenster {
-    using FormDatenbank = gui::FormDatenbank;
-    using QtOberfläche = gui::QtOberfläche;
-
     TempOrdner ordner;
     Programmzustand zustand{Installation{ordner.pfad()}};
     ProzessZahlenformat format;
-    QtOberfläche ui;
+    gui::QtOberfläche ui;
     Ergebnis start; ///< of the start-up
     std::optional<int> exitcode;
     std::vector<QUrl> geöffnet;
-    FormDatenbank fenster{zustand, format, ui};
+    gui::FormDatenbank fenster{zustand, format, ui};
 
-    /// `ansichten` in UTF-8.
     explicit Hauptfenster(std::string_view ansichten = {});
+
+    Kataster& K() { return fenster.Tabelle(); }
+    gui::KatasterModell& M() { return fenster.Modell(); }
+    QTableView& Grid() { return *fenster.Grid(); }
+    /// The window's child named `name`; a failure when there is none.
+    template <typename T> T* Element(const char* name);
+    /// Triggers the window's action named `aktion`.
+    void Auslösen(const char* aktion);
 };
 
 /// The text of status panel `nummer` of the window.
 QString Panel(const gui::FormDatenbank& fenster, int nummer);
+
+/// The child of `eltern` named `name`; a failure when there is none.
+template <typename T> T* Element(const QObject& eltern, const char* name) {
+    T* element = eltern.findChild<T*>(QString::fromUtf8(name));
+    EXPECT_NE(element, nullptr) << name;
+    return element;
+}
+
+template <typename T> T* Hauptfenster::Element(const char* name) {
+    return test::Element<T>(fenster, name);
+}
+
+/// The texts of a combo box's entries.
+QStringList Einträge(const QComboBox& box);
 
 } // namespace flurix::test

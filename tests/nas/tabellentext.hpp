@@ -109,10 +109,21 @@ inline std::string ZellenText(Datenbank& db, const std::string& sql) {
         const std::string zeile = abfrage.IstNull(0) ? "NULL" : std::string(abfrage.Text(0));
         for (int i = 1; i < abfrage.Spaltenanzahl(); ++i)
             aus << zeile << " | " << abfrage.Spaltenname(i) << " = "
-                << (abfrage.IstNull(i) ? std::string("NULL") : std::string(abfrage.Text(i)))
-                << '\n';
+                << (abfrage.IstNull(i) ? std::string("NULL") : std::string(abfrage.Text(i))) << '\n';
     }
     return aus.str();
+}
+
+/// The rows of a query, each its cells joined with "|" (NULL as "").
+inline std::vector<std::string> Abfragezeilen(Datenbank& db, const std::string& sql) {
+    std::vector<std::string> zeilen;
+    auto abfrage = db.VorbereitenNativ(sql);
+    while (abfrage.Schritt()) {
+        std::string& zeile = zeilen.emplace_back();
+        for (int i = 0; i < abfrage.Spaltenanzahl(); ++i)
+            zeile += (i ? "|" : "") + std::string(abfrage.Text(i));
+    }
+    return zeilen;
 }
 
 } // namespace flurix::test

@@ -1,3 +1,6 @@
+// Arcs to chords against their circle, rings with arcs, the point list and box of rings. The
+// plain text forms of the geometry module are in test_umformungen.cpp.
+
 #include "nas/geometrie.hpp"
 
 #include "core/oberflaeche_skript.hpp"
@@ -9,6 +12,7 @@
 #include <charconv>
 #include <cmath>
 #include <numbers>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,70 +26,23 @@ constexpr double pi = std::numbers::pi;
 
 std::string Text(double wert, int stellen) {
     std::array<char, 64> puffer{};
-    const auto [ende, fehler] = std::to_chars(puffer.data(), puffer.data() + puffer.size(), wert,
-                                              std::chars_format::fixed, stellen);
-    EXPECT_EQ(fehler, std::errc());
-    return std::string(puffer.data(), ende);
-}
-
-double Wert(std::string_view text) {
-    double wert = 0;
-    const auto [ende, fehler] = std::from_chars(text.data(), text.data() + text.size(), wert);
-    EXPECT_TRUE(fehler == std::errc() && ende == text.data() + text.size()) << text;
-    return wert;
-}
-
-std::vector<std::string_view> Stücke(std::string_view text, char trenner) {
-    std::vector<std::string_view> stücke;
-    std::size_t anfang = 0;
-    for (std::size_t pos = text.find(trenner); pos != std::string_view::npos;
-         pos = text.find(trenner, anfang)) {
-        stücke.push_back(text.substr(anfang, pos - anfang));
-        anfang = pos + 1;
-    }
-    stücke.push_back(text.substr(anfang));
-    return stücke;
+    return std::string(puffer.data(), std::to_chars(puffer.data(), puffer.data() + puffer.size(), wert,
+                                                    std::chars_format::fixed, stellen).ptr);
 }
 
 /// The points of a point list "x y;x y"; every point must be two numbers.
-std::vector<Punkt> Punkte(std::string_view liste) {
+std::vector<Punkt> Punkte(std::string liste) {
     std::vector<Punkt> punkte;
-    for (std::string_view punkt : Stücke(liste, ';')) {
-        const auto xy = Stücke(punkt, ' ');
-        EXPECT_EQ(xy.size(), 2U) << punkt;
-        if (xy.size() == 2)
-            punkte.push_back({Wert(xy[0]), Wert(xy[1])});
-    }
+    const auto paare = std::count(liste.begin(), liste.end(), ';') + 1;
+    std::replace(liste.begin(), liste.end(), ';', ' ');
+    std::istringstream zahlen(liste);
+    for (Punkt p; zahlen >> p.x >> p.y;)
+        punkte.push_back(p);
+    EXPECT_TRUE(zahlen.eof() && std::ssize(punkte) == paare) << liste;
     return punkte;
 }
 
 double Abstand(const Punkt& a, const Punkt& b) { return std::hypot(a.x - b.x, a.y - b.y); }
-
-// ---- posUmring ----
-
-TEST(PosUmring, PaareMitSemikolonOhneWiederholung) {
-    struct Fall {
-        std::string_view text;
-        std::string_view erwartet;
-    };
-    const Fall fälle[] = {
-        {"1 2 1 2 3 4", "1 2;3 4"},
-        {"  1   2  3\t4\r\n5 6 ", "1 2;3 4;5 6"},
-        {"1 2", "1 2"},
-        {"1 2 1 2 1 2", "1 2"},
-        {"1 2 3 4 1 2", "1 2;3 4;1 2"}, // only a repeat right behind is dropped
-        {"1 2 1.0 2.0", "1 2;1.0 2.0"}, // compared as text
-        {"1 2 3", "1 2"},               // an odd last coordinate is dropped
-        {"7", ""},
-        {"", ""},
-        {" \t ", ""},
-        {"a b a b c d", "a b;c d"}, // no numbers: kept as text
-        {"389000.123 5819000.456 389010.5 5819000.456",
-         "389000.123 5819000.456;389010.5 5819000.456"},
-    };
-    for (const auto& f : fälle)
-        EXPECT_EQ(PosUmring(f.text), f.erwartet) << "\"" << f.text << "\"";
-}
 
 // ---- arcs to chords ----
 
@@ -178,39 +135,6 @@ TEST(BogenZuSehnen, PfeilhöheNullOderNegativWirktWie001) {
     EXPECT_NE(BogenZuSehnen(bogen, 0.001), standard);
 }
 
-TEST(BogenZuSehnen, HalbkreisGenauAlsText) {
-    // Centre 0 0, radius 1; sagitta 0.5 allows 120 degrees a chord, so 180 degrees take two.
-    EXPECT_EQ(BogenZuSehnen("1 0 0 1 -1 0", 0.5), "1.0000 0.0000;0.0000 1.0000;-1 0");
-    EXPECT_EQ(BogenZuSehnen("  1\t0  0 -1 -1.000 0 ", 0.5),
-              "1.0000 0.0000;0.0000 -1.0000;-1.000 0");
-    // A sagitta beyond the diameter: one chord.
-    EXPECT_EQ(BogenZuSehnen("1 0 0 1 -1 0", 5), "1.0000 0.0000;-1 0");
-}
-
-TEST(BogenZuSehnen, OhneKreisBleibenDieDreiPunkte) {
-    struct Fall {
-        std::string_view bogen;
-        std::string_view erwartet;
-    };
-    const Fall fälle[] = {
-        {"0 0 5 5 10 10", "0 0;5 5;10 10"},
-        {"0 0 10 10 5 5", "0 0;10 10;5 5"},                       // B beyond C
-        {"1 1 1 1 2 2", "1 1;1 1;2 2"},                           // two equal points
-        {"0 0 1 1 0 0", "0 0;1 1;0 0"},                           // start equals end
-        {"0 0 5 0.000000001 10 0", "0 0;5 0.000000001;10 0"},     // radius of 12.5 million km
-        {"0 0 20 0.0000001 10 0", "0 0;20 0.0000001;10 0"},       // the long way round that circle
-        {"1e300 0 0 1e300 -1e300 0", "1e300 0;0 1e300;-1e300 0"}, // overflow, no NaN
-    };
-    for (const auto& f : fälle)
-        EXPECT_EQ(BogenZuSehnen(f.bogen, 0.01), f.erwartet) << f.bogen;
-}
-
-TEST(BogenZuSehnen, UnlesbarerBogenGibtLeer) {
-    for (std::string_view bogen : {"", "   ", "1 2 3 4 5", "1 2 3 4 5 6 7", "1 2 x 4 5 6",
-                                   "nan 0 0 1 -1 0", "1 0 0 1 -1 inf", "1,5 0 0 1 -1 0"})
-        EXPECT_EQ(BogenZuSehnen(bogen, 0.01), "") << bogen;
-}
-
 TEST(BogenZuSehnen, WinzigePfeilhöheIstBegrenzt) {
     const Bogen& b = bögen[0];
     const std::string liste = BogenZuSehnen(b.Text6(), 1e-300);
@@ -221,60 +145,6 @@ TEST(BogenZuSehnen, WinzigePfeilhöheIstBegrenzt) {
     ASSERT_EQ(punkte.size(), static_cast<std::size_t>(MaxSehnenJeBogen) + 1);
     for (std::size_t i = 0; i < punkte.size(); i += 997)
         EXPECT_NEAR(Abstand(punkte[i], b.mitte), b.radius, 1e-3) << "Punkt " << i;
-}
-
-TEST(PfeilhöheAusEinstellung, NullLeerOderUnlesbarGibt001) {
-    struct Fall {
-        std::string_view wert;
-        double erwartet;
-    };
-    const Fall fälle[] = {
-        {"", 0.01},      {"0", 0.01},   {"0.0", 0.01},  {"0.05", 0.05},  {" 0.002\t", 0.002},
-        {"1e-3", 0.001}, {"abc", 0.01}, {"0,05", 0.01}, {"0.05m", 0.01}, {"0.05 0.1", 0.01},
-        {"-1", 0.01},    {"nan", 0.01}, {"inf", 0.01},  {"+0.5", 0.5},
-    };
-    for (const auto& f : fälle)
-        EXPECT_DOUBLE_EQ(PfeilhöheAusEinstellung(f.wert), f.erwartet) << "\"" << f.wert << "\"";
-}
-
-// ---- rings ----
-
-TEST(RingeAusText, OhneDatenMeldungUndKeineRinge) {
-    for (std::string_view text : {"", "   ", " ; ;", "\t;\r\n"}) {
-        SkriptOberfläche ui;
-        EXPECT_TRUE(RingeAusText(text, "", 0.01, &ui).empty()) << text;
-        ASSERT_EQ(ui.Meldungen(), std::vector<std::string>{"Koordinaten-Trenner ohne Daten!"});
-        EXPECT_EQ(ui.Ereignisse().front().titel, "Flurix");
-        EXPECT_EQ(ui.Stile(), std::vector<Stil>{Stil::Warnung});
-    }
-    EXPECT_TRUE(RingeAusText("", "", 0.01, nullptr).empty());
-}
-
-TEST(RingeAusText, RingeAmSemikolonPunktePaarweise) {
-    struct Fall {
-        std::string_view text;
-        std::vector<std::vector<Punkt>> erwartet;
-    };
-    const Fall fälle[] = {
-        {"0 0 10 0 10 10 0 0; 2 2 3 2 3 3 2 2",
-         {{{0, 0}, {10, 0}, {10, 10}, {0, 0}}, {{2, 2}, {3, 2}, {3, 3}, {2, 2}}}},
-        {"  0  0   10 0\t10 10 ; 1 1 ", {{{0, 0}, {10, 0}, {10, 10}}, {{1, 1}}}},
-        {"1 2 1.0 2.00 3 4 3 4", {{{1, 2}, {3, 4}}}}, // equal numbers, other text
-        {"1 2 3 4 5", {{{1, 2}, {3, 4}}}},            // odd last coordinate dropped
-        {"1 2 x 3 4 5", {{{1, 2}, {4, 5}}}},          // a pair with no number skipped
-        {"1 2 3 4 1 2 3 4", {{{1, 2}, {3, 4}, {1, 2}, {3, 4}}}},
-        {"1 2;;3 4", {{{1, 2}}, {{3, 4}}}}, // an empty ring is left out
-        {"389000.125 5819000.5 -1e2 +7", {{{389000.125, 5819000.5}, {-100, 7}}}},
-    };
-    for (const auto& f : fälle) {
-        SkriptOberfläche ui;
-        const std::vector<Ring> ringe = RingeAusText(f.text, "", 0.01, &ui);
-        std::vector<std::vector<Punkt>> punkte;
-        for (const Ring& r : ringe)
-            punkte.push_back(r.punkte);
-        EXPECT_EQ(punkte, f.erwartet) << f.text;
-        EXPECT_TRUE(ui.Ereignisse().empty());
-    }
 }
 
 TEST(RingeAusText, BögenWerdenDurchSehnenErsetzt) {
@@ -324,52 +194,20 @@ TEST(PunktlisteText, KürzesteFormOhneExponent) {
     EXPECT_EQ(Punkte(PunktlisteText(krumm)), krumm.punkte);
 }
 
-TEST(BoxMitte, MitteDesRechtecksAuf3Stellen) {
-    struct Fall {
-        std::string_view text;
-        double x;
-        double y;
-    };
-    const Fall fälle[] = {
-        {"0 0;10 0;10 5;0 5", 5, 2.5},
-        {"389000.1234 5819000.0001;389001.0000 5819002.0004", 389000.562, 5819001.0},
-        {"-4 -2 2 6", -1, 2},
-        {"1 2 3", 1, 2},
-        {"1 2; x 9; 3 4", 2, 3},
-        {"0.0004 0.0006 0 0", 0, 0.0},
-    };
-    for (const auto& f : fälle) {
-        const auto mitte = BoxMitte(f.text);
-        ASSERT_TRUE(mitte.has_value()) << f.text;
-        EXPECT_DOUBLE_EQ(mitte->x, f.x) << f.text;
-        EXPECT_DOUBLE_EQ(mitte->y, f.y) << f.text;
-    }
-    EXPECT_FALSE(BoxMitte("").has_value());
-    EXPECT_FALSE(BoxMitte("a b; c d").has_value());
-    EXPECT_FALSE(BoxMitte("7").has_value());
-    EXPECT_FALSE(BoxMitte(std::vector<Ring>{}).has_value());
-
-    const auto ringe = RingeAusText("0 0 10 0 10 5 0 5;2 1 3 1 3 2", "", 0.01, nullptr);
-    const auto mitte = BoxMitte(ringe);
-    ASSERT_TRUE(mitte.has_value());
-    EXPECT_EQ(*mitte, (Punkt{5, 2.5}));
+TEST(RingeAusText, OhneDatenEineWarnungDesProgramms) {
+    SkriptOberfläche ui;
+    EXPECT_TRUE(RingeAusText(" ; ;", "", 0.01, &ui).empty());
+    ASSERT_EQ(ui.Meldungen(), std::vector<std::string>{"Koordinaten-Trenner ohne Daten!"});
+    EXPECT_EQ(ui.Ereignisse().front().titel, "Flurix");
+    EXPECT_EQ(ui.Stile(), std::vector<Stil>{Stil::Warnung});
+    EXPECT_TRUE(RingeAusText("", "", 0.01, nullptr).empty());
 }
 
-TEST(Prüfsumme, LaufendeBytesummeModulo256) {
-    struct Fall {
-        std::string_view text;
-        std::string_view erwartet;
-    };
-    const Fall fälle[] = {
-        {"", ""},        {"AB", "65131"}, // 65, 65 + 66
-        {"ä", "228"},                     // one byte in Windows-1252
-        {"äA", "22837"},                  // (228 + 65) mod 256
-        {"€", "128"},    {"ÿÿÿ", "255254253"}, {"1 2;3", "4981131190241"}, // 49, +32, +50, +59, +51
-        {"\xFF", "63"}, // no UTF-8: counts as "?"
-    };
-    for (const auto& f : fälle)
-        EXPECT_EQ(Prüfsumme(f.text), f.erwartet) << f.text;
-    EXPECT_NE(Prüfsumme("1 2;3 4"), Prüfsumme("3 4;1 2"));
+TEST(BoxMitte, MitteDerBoxAllerRinge) {
+    EXPECT_FALSE(BoxMitte(std::vector<Ring>{}).has_value());
+    const auto mitte = BoxMitte(RingeAusText("0 0 10 0 10 5 0 5;2 1 3 1 3 2", "", 0.01, nullptr));
+    ASSERT_TRUE(mitte.has_value());
+    EXPECT_EQ(*mitte, (Punkt{5, 2.5}));
 }
 
 } // namespace

@@ -14,27 +14,23 @@
 namespace flurix::nas {
 namespace {
 
-using test::DateiSchreiben;
-using test::TempOrdner;
+using Texte = std::vector<std::string>;
 
 struct Übergabe {
-    TempOrdner ordner;
+    test::TempOrdner ordner;
     SkriptOberfläche ui;
     Datenbank db{":memory:"};
     Kataster kataster;
     NachFlurixBericht bericht;
 
-    Übergabe() {
-        db.AusführenNativ("CREATE TABLE Alkis (Hausnummer TEXT, \"Flurstück\" TEXT, Gemarkung TEXT, "
-                          "Flur TEXT, \"Fläche\" TEXT, \"Flurstückskennzeichen\" TEXT, "
-                          "\"Eigentümerposition\" TEXT)");
-    }
-    void Zeilen(int anzahl) {
+    explicit Übergabe(int zeilen = 0) {
+        db.AusführenNativ("CREATE TABLE Alkis (Hausnummer TEXT, \"Flurstück\" TEXT, Gemarkung TEXT, Flur TEXT, "
+                          "\"Fläche\" TEXT, \"Flurstückskennzeichen\" TEXT, \"Eigentümerposition\" TEXT)");
         Transaktion t(db);
         auto einfügen = db.VorbereitenNativ("INSERT INTO Alkis VALUES (?, ?, ?, ?, ?, ?, ?)");
-        for (int i = 0; i < anzahl; ++i) {
+        for (int i = 0; i < zeilen; ++i) {
             einfügen.Zurücksetzen();
-            const std::string nummer = std::to_string(anzahl - i);
+            const std::string nummer = std::to_string(zeilen - i);
             einfügen.Binde(nummer).Binde("0000" + nummer + "/0000").Binde(i % 2 ? "Musterhausen" : "Beispielfeld")
                 .Binde("001").Binde(nullptr).Binde("0760010010000" + nummer).Binde("0001");
             einfügen.Schritt();
@@ -43,39 +39,33 @@ struct Übergabe {
     }
     Ergebnis Übernehmen(bool interaktiv = false) {
         NasProtokoll protokoll(ui, {});
-        const NachFlurixUmgebung umgebung{ordner.pfad(), ordner / "ALB_DatenbankSpalten.dat", "alles",
-                                          interaktiv};
+        const NachFlurixUmgebung umgebung{ordner.pfad(), ordner / "ALB_DatenbankSpalten.dat", "alles", interaktiv};
         return ALKISnachFlurix(db, kataster, umgebung, protokoll, ui, bericht);
-    }
-    std::vector<std::string> Schlüssel() const {
-        std::vector<std::string> s;
-        for (std::size_t i = 0; i < kataster.Spaltenzahl(); ++i)
-            s.push_back(kataster.Spalte(i).schlüssel);
-        return s;
     }
 };
 
 TEST(NachFlurix, SpaltenFormateSortierungUndPaare) {
-    Übergabe ü;
-    ü.Zeilen(3);
+    Übergabe ü(3);
     ASSERT_TRUE(ü.Übernehmen());
     // The catalogue's columns first in its order, the others behind, the mark last.
-    EXPECT_EQ(ü.Schlüssel(),
-              (std::vector<std::string>{"Gemarkung", "Flur", "Flurstück", "Fläche", "Eigentümerposition",
-                                        "Flurstückskennzeichen", "Hausnummer", "checkdruck"}));
     const auto& k = ü.kataster;
+    Texte schlüssel;
+    for (std::size_t i = 0; i < k.Spaltenzahl(); ++i)
+        schlüssel.push_back(k.Spalte(i).schlüssel);
+    EXPECT_EQ(schlüssel, (Texte{"Gemarkung", "Flur", "Flurstück", "Fläche", "Eigentümerposition",
+                                "Flurstückskennzeichen", "Hausnummer", "checkdruck"}));
     EXPECT_EQ(k.Spalte(*k.SpaltenIndex("Gemarkung")).überschrift, "Gemarkung");
     EXPECT_TRUE(k.Spalte(*k.SpaltenIndex("checkdruck")).kontrollkästchen);
     EXPECT_EQ(k.Spalte(*k.SpaltenIndex("Flur")).format, "0000");
     EXPECT_EQ(k.Spalte(*k.SpaltenIndex("Fläche")).format, "000000000.00");
-    ASSERT_EQ(k.Zeilenzahl(), 3U);
     // Sorted by Gemarkung, Flur, parcel key; NULL became "".
-    EXPECT_EQ(k.Zelle(0, "Gemarkung"), "Beispielfeld");
-    EXPECT_EQ(k.Zelle(0, "Flurstückskennzeichen"), "07600100100001");
-    EXPECT_EQ(k.Zelle(1, "Flurstückskennzeichen"), "07600100100003");
-    EXPECT_EQ(k.Zelle(2, "Gemarkung"), "Musterhausen");
-    EXPECT_EQ(k.Zelle(2, "Fläche"), "");
-    EXPECT_EQ(ü.bericht.gemarkungFlur, (std::vector<std::string>{"Beispielfeld, 001", "Musterhausen, 001"}));
+    Texte zeilen;
+    for (std::size_t z = 0; z < k.Zeilenzahl(); ++z)
+        zeilen.push_back(std::string(k.Zelle(z, "Gemarkung")) + "|" + std::string(k.Zelle(z, "Flurstückskennzeichen")) +
+                         "|" + std::string(k.Zelle(z, "Fläche")));
+    EXPECT_EQ(zeilen,
+              (Texte{"Beispielfeld|07600100100001|", "Beispielfeld|07600100100003|", "Musterhausen|07600100100002|"}));
+    EXPECT_EQ(ü.bericht.gemarkungFlur, (Texte{"Beispielfeld, 001", "Musterhausen, 001"}));
     EXPECT_TRUE(ü.ui.Meldungen().empty());
 }
 
@@ -84,31 +74,26 @@ TEST(NachFlurix, ZeilengrenzeUndVorlage) {
         int zeilen;
         bool vorlage;
         std::size_t spalten; // without checkdruck
-        const char* meldung;
+        Texte meldungen;
     };
     const Fall fälle[] = {
-        {50'000, true, 7, nullptr},
+        {50'000, true, 7, {}},
         {50'001, true, 2,
-         "50001 Datenzeilen vorgefunden.\nAufgrund der Datengröße werden nur die wichtigsten Daten "
-         "exportiert!   \nVorlage: ...\\config\\ALB_ALKISImport.dat"},
+         {"50001 Datenzeilen vorgefunden.\nAufgrund der Datengröße werden nur die wichtigsten Daten exportiert!   "
+          "\nVorlage: ...\\config\\ALB_ALKISImport.dat"}},
         {50'001, false, 7,
-         "Dateivorlage: ...\\config\\ALB_ALKISImport.dat fehlt! Es werden alle Daten exportiert!   "},
+         {"Dateivorlage: ...\\config\\ALB_ALKISImport.dat fehlt! Es werden alle Daten exportiert!   "}},
     };
     for (const Fall& fall : fälle) {
-        Übergabe ü;
+        SCOPED_TRACE(std::to_string(fall.zeilen) + (fall.vorlage ? " mit Vorlage" : ""));
+        Übergabe ü(fall.zeilen);
         if (fall.vorlage)
-            DateiSchreiben(ü.ordner / "ALB_ALKISImport.dat",
-                           "Flurstückskennzeichen\r\nGibtEsNicht\r\n\tGemarkung\r\n");
-        ü.Zeilen(fall.zeilen);
+            test::DateiSchreiben(ü.ordner / "ALB_ALKISImport.dat",
+                                 "Flurstückskennzeichen\r\nGibtEsNicht\r\n\tGemarkung\r\n");
         ASSERT_TRUE(ü.Übernehmen());
         EXPECT_EQ(ü.kataster.Zeilenzahl(), static_cast<std::size_t>(fall.zeilen));
-        EXPECT_EQ(ü.kataster.Spaltenzahl(), fall.spalten + 1) << fall.zeilen;
-        if (fall.meldung) {
-            ASSERT_EQ(ü.ui.Meldungen().size(), 1U);
-            EXPECT_EQ(ü.ui.Meldungen()[0], fall.meldung);
-        } else {
-            EXPECT_TRUE(ü.ui.Meldungen().empty());
-        }
+        EXPECT_EQ(ü.kataster.Spaltenzahl(), fall.spalten + 1);
+        EXPECT_EQ(ü.ui.Meldungen(), fall.meldungen);
     }
 }
 
@@ -117,27 +102,24 @@ TEST(NachFlurix, ErweiternOderErsetzen) {
         bool interaktiv;
         Antwort antwort;
         std::size_t zeilen;
-        std::size_t fragen;
+        bool gefragt;
     };
     const Fall fälle[] = {
-        {true, Antwort::Ja, 4, 1},
-        {true, Antwort::Nein, 2, 1},
-        {false, Antwort::Nein, 4, 0}, // nobody to ask: extended, nothing lost
+        {true, Antwort::Ja, 4, true},
+        {true, Antwort::Nein, 2, true},
+        {false, Antwort::Nein, 4, false}, // nobody to ask: extended, nothing lost
     };
     for (const Fall& fall : fälle) {
-        Übergabe ü;
+        Übergabe ü(2);
         ü.kataster.SpalteHinzufügen(KatasterSpalte("Name", "Name"));
         ü.kataster.ZeileHinzufügen("Muster, Erika");
         ü.kataster.ZeileHinzufügen("Muster, Max");
-        ü.Zeilen(2);
         ü.ui.Antworten({fall.antwort});
         ASSERT_TRUE(ü.Übernehmen(fall.interaktiv));
         EXPECT_EQ(ü.kataster.Zeilenzahl(), fall.zeilen);
-        ASSERT_EQ(ü.ui.Fragen().size(), fall.fragen);
-        if (fall.fragen) {
-            EXPECT_EQ(ü.ui.Fragen()[0], "<Ja> vorliegende Datenbank wird erweitert   \n"
-                                        "<Nein> vorliegende Datenbank wird überschrieben   ");
-        }
+        EXPECT_EQ(ü.ui.Fragen(), fall.gefragt ? Texte{"<Ja> vorliegende Datenbank wird erweitert   \n"
+                                                      "<Nein> vorliegende Datenbank wird überschrieben   "}
+                                              : Texte{});
         // Extended: the old column stays beside the new ones.
         EXPECT_EQ(ü.kataster.SpaltenIndex("Name").has_value(), fall.zeilen == 4);
     }
@@ -146,8 +128,7 @@ TEST(NachFlurix, ErweiternOderErsetzen) {
 TEST(NachFlurix, LeereTabelleWirdGemeldet) {
     Übergabe ü;
     EXPECT_FALSE(ü.Übernehmen());
-    ASSERT_EQ(ü.ui.Meldungen().size(), 1U);
-    EXPECT_EQ(ü.ui.Meldungen()[0], "Es liegen keine Daten in der Tabelle: Alkis zum Export nach Flurix vor!");
+    EXPECT_EQ(ü.ui.Meldungen(), Texte{"Es liegen keine Daten in der Tabelle: Alkis zum Export nach Flurix vor!"});
     EXPECT_EQ(ü.ui.Ereignisse().back().titel, "ALKIS-Export");
     EXPECT_EQ(ü.kataster.Zeilenzahl(), 0U);
 }

@@ -9,10 +9,9 @@
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
 #include "nas/knoten.hpp"
-#include "nas/konfig_suche.hpp"
-#include "nas/lagebezeichnung.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
+#include "nas/tabellentext.hpp"
 
 #include <gtest/gtest.h>
 
@@ -38,14 +37,13 @@ struct Graph {
 
     // One row: column -> value; identifiers are written in the marked form the scan stores.
     void Zeile(std::string_view tabelle, const std::map<std::string, std::string>& werte) {
-        std::string spalten;
-        std::string fragen;
+        std::string spalten, fragen;
         for (const auto& [spalte, wert] : werte) {
             spalten += (spalten.empty() ? "" : ", ") + Bezeichner(spalte);
             fragen += fragen.empty() ? "?" : ", ?";
         }
-        auto einfügen = db->VorbereitenNativ("INSERT INTO " + Bezeichner(tabelle) + " (" + spalten +
-                                             ") VALUES (" + fragen + ")");
+        auto einfügen =
+            db->VorbereitenNativ("INSERT INTO " + Bezeichner(tabelle) + " (" + spalten + ") VALUES (" + fragen + ")");
         for (const auto& [spalte, wert] : werte)
             einfügen.Binde(wert);
         einfügen.Schritt();
@@ -108,15 +106,7 @@ struct Graph {
 
     // Cells of Alkis, one string per row ("|" between cells), in a fixed order.
     std::vector<std::string> Alkis(const std::string& spalten, const std::string& ordnung) {
-        std::vector<std::string> zeilen;
-        auto abfrage = db->VorbereitenNativ("SELECT " + spalten + " FROM Alkis ORDER BY " + ordnung);
-        while (abfrage.Schritt()) {
-            std::string zeile;
-            for (int i = 0; i < abfrage.Spaltenanzahl(); ++i)
-                zeile += (i ? "|" : "") + std::string(abfrage.Text(i));
-            zeilen.push_back(zeile);
-        }
-        return zeilen;
+        return test::Abfragezeilen(*db, "SELECT " + spalten + " FROM Alkis ORDER BY " + ordnung);
     }
 };
 
@@ -285,35 +275,6 @@ TEST(Reorganisation, BögenWerdenInBeidenRingenZuSehnen) {
     const auto außen = ringe.front().substr(0, ringe.front().find('|'));
     EXPECT_GT(std::count(außen.begin(), außen.end(), ' '), 200);
     EXPECT_NE(ringe.front().find("|5 5 6 5 0.0000 10.0000 "), std::string::npos) << ringe.front().substr(0, 80);
-}
-
-TEST(Lagebezeichnung, ZusammenfassungJeStraße) {
-    struct Fall {
-        std::vector<Lageeintrag> mit;
-        std::vector<Lageeintrag> ohne;
-        const char* text;
-        const char* schlüssel;
-    };
-    const Fall fälle[] = {
-        {{{"Hauptstraße", "5", "00306"}, {"Hauptstraße", "1", "00306"}, {"Hauptstraße", "3", "00306"}},
-         {}, "Hauptstraße 1, 3, 5", "00306"},
-        {{{"Weg", "10", "1"}, {"Weg", "2", "1"}, {"Weg", "10 a", "1"}, {"Weg", "2", "1"}},
-         {}, "Weg 2, 10, 10 a", "1"},
-        {{{"B-Straße", "1", "2"}, {"A-Weg", "4", ""}}, {{"Feld", "", ""}}, "A-Weg 4; B-Straße 1", "ohne; 2"},
-        {{}, {{"Im Grund", "", ""}, {"K 53", "", "00288"}, {"Im Grund", "", ""}}, "Im Grund; K 53",
-         "ohne; 00288"},
-        {{}, {}, "", ""},
-    };
-    for (const Fall& fall : fälle) {
-        const Lagetext lage = LagebezeichnungBilden(fall.mit, fall.ohne);
-        EXPECT_EQ(lage.lagebezeichnung, fall.text);
-        EXPECT_EQ(lage.straßenschlüssel, fall.schlüssel) << fall.text;
-    }
-    EXPECT_LT(HausnummernVergleich("2", "10"), 0);
-    EXPECT_LT(HausnummernVergleich("10", "10 a"), 0);
-    EXPECT_LT(HausnummernVergleich("10 a", "10 B"), 0);
-    EXPECT_GT(HausnummernVergleich("a", "99"), 0);
-    EXPECT_EQ(HausnummernVergleich("7", "7"), 0);
 }
 
 } // namespace
