@@ -5,12 +5,12 @@
 
 namespace flurix::nas {
 
-Flächenindex::Flächenindex(const std::vector<std::optional<Box>>& boxen)
-    : m_boxen(boxen), m_gesehen(boxen.size(), 0) {
+Flächenindex::Flächenindex(std::vector<std::optional<Box>> boxen)
+    : m_boxen(std::move(boxen)), m_gesehen(m_boxen.size(), 0) {
     bool erste = true;
     std::size_t anzahl = 0;
     double flächen = 0;
-    for (const auto& box : boxen) {
+    for (const auto& box : m_boxen) {
         if (!box)
             continue;
         ++anzahl;
@@ -44,16 +44,16 @@ Flächenindex::Flächenindex(const std::vector<std::optional<Box>>& boxen)
             for (int x = b.x0; x <= b.x1; ++x)
                 tun(static_cast<std::size_t>(y) * static_cast<std::size_t>(m_spalten) + static_cast<std::size_t>(x));
     };
-    for (const auto& box : boxen)
+    for (const auto& box : m_boxen)
         if (box)
             jedeZelle(*box, [&](std::size_t z) { ++m_anfang[z + 1]; });
     for (std::size_t z = 0; z < zellen; ++z)
         m_anfang[z + 1] += m_anfang[z];
     m_zeilenNr.resize(m_anfang[zellen]);
     std::vector<std::uint32_t> füllstand(m_anfang.begin(), m_anfang.end() - 1);
-    for (std::uint32_t i = 0; i < boxen.size(); ++i)
-        if (boxen[i])
-            jedeZelle(*boxen[i], [&](std::size_t z) { m_zeilenNr[füllstand[z]++] = i; });
+    for (std::uint32_t i = 0; i < m_boxen.size(); ++i)
+        if (m_boxen[i])
+            jedeZelle(*m_boxen[i], [&](std::size_t z) { m_zeilenNr[füllstand[z]++] = i; });
 }
 
 Flächenindex::Zellbereich Flächenindex::Bereich(const Box& box) const {

@@ -12,8 +12,11 @@ namespace flurix::nas {
 
 class Flächenindex {
 public:
-    /// Index over the boxes; a row without a box (empty polygon) is never found.
-    explicit Flächenindex(const std::vector<std::optional<Box>>& boxen);
+    /// Index over the boxes of the rows; a row without a box (empty polygon) is never found.
+    explicit Flächenindex(std::vector<std::optional<Box>> boxen);
+
+    /// The box of row i.
+    const std::optional<Box>& BoxVon(std::size_t i) const { return m_boxen[i]; }
 
     /// The numbers of the rows whose boxes overlap `box` (touching counts), ascending.
     std::vector<std::uint32_t> Treffer(const Box& box) const;

@@ -81,9 +81,13 @@ std::string Zahlmuster(double wert, std::string_view muster) {
     return zahl;
 }
 
-std::string ZahlGerundet(double wert, int stellen) {
+double Gerundet(double wert, int stellen) {
     const double skala = std::pow(10.0, stellen);
-    double gerundet = std::round(wert * skala) / skala;
+    return std::round(wert * skala) / skala;
+}
+
+std::string ZahlGerundet(double wert, int stellen) {
+    double gerundet = Gerundet(wert, stellen);
     if (gerundet == 0)
         gerundet = 0; // no "-0"
     char puffer[64];

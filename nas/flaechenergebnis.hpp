@@ -81,6 +81,9 @@ void FlächenAnpassen(Flächenwerte& werte, double amtlich);
 /// the point as the pattern has at least, as many after it, rounded half away from zero.
 std::string Zahlmuster(double wert, std::string_view muster);
 
+/// A number rounded to `stellen` places, halves away from zero.
+double Gerundet(double wert, int stellen);
+
 /// A number rounded to `stellen` places, in its shortest form ("12.5", "124", "0.004").
 std::string ZahlGerundet(double wert, int stellen);
 

@@ -2,6 +2,7 @@
 
 #include "core/datenbank.hpp"
 #include "core/text.hpp"
+#include "nas/flaechenergebnis.hpp"
 #include "nas/konfig_suche.hpp"
 #include "nas/nas_protokoll.hpp"
 
@@ -10,11 +11,6 @@
 
 namespace flurix::nas {
 namespace {
-
-double Gerundet(double wert, int stellen) {
-    const double skala = std::pow(10.0, stellen);
-    return std::round(wert * skala) / skala;
-}
 
 } // namespace
 
@@ -27,7 +23,7 @@ std::set<std::string, std::less<>> Spaltenliste(Datenbank& db, std::string_view 
     return spalten;
 }
 
-void SpaltenErgänzen(Datenbank& db, std::string_view tabelle, std::initializer_list<std::string_view> spalten) {
+void SpaltenErgänzen(Datenbank& db, std::string_view tabelle, std::span<const std::string_view> spalten) {
     const auto vorhanden = Spaltenliste(db, tabelle);
     for (std::string_view spalte : spalten)
         if (!vorhanden.contains(spalte))
@@ -88,6 +84,7 @@ std::optional<Klassentabelle> KlassentabelleLaden(Datenbank& db, std::string_vie
         }
     sql += " FROM " + Bezeichner(name) + " ORDER BY rowid";
     Anweisung zeilen = db.VorbereitenNativ(sql);
+    std::vector<std::optional<Box>> boxen;
     while (zeilen.Schritt()) {
         Klassenfläche fläche;
         fläche.zeile = zeilen.Ganzzahl(0);
@@ -101,12 +98,12 @@ std::optional<Klassentabelle> KlassentabelleLaden(Datenbank& db, std::string_vie
         fläche.fläche = Gerundet(GesamtFlaeche(fläche.polygon), 3);
         for (std::size_t k = 0; k < tabelle.attributnamen.size(); ++k)
             fläche.attribute.emplace_back(zeilen.Text(static_cast<int>(4 + k)));
-        tabelle.boxen.push_back(BoxVon(fläche.polygon));
+        boxen.push_back(BoxVon(fläche.polygon));
         if (Gerundet(fläche.fläche, 1) == 0)
             tabelle.winzig.push_back(static_cast<std::uint32_t>(tabelle.flächen.size()));
         tabelle.flächen.push_back(std::move(fläche));
     }
-    tabelle.index = std::make_unique<Flächenindex>(tabelle.boxen);
+    tabelle.index = std::make_unique<Flächenindex>(std::move(boxen));
     return tabelle;
 }
 

@@ -12,7 +12,7 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -46,8 +46,7 @@ struct Klassentabelle {
     Klassenart art = Klassenart::Nutzung;
     std::vector<std::string_view> attributnamen; ///< those of the kind the table has
     std::vector<Klassenfläche> flächen;          ///< in row order
-    std::vector<std::optional<Box>> boxen;       ///< per polygon, for the index
-    std::unique_ptr<Flächenindex> index;
+    std::unique_ptr<Flächenindex> index; ///< the polygons' boxes
     /// Polygons whose area rounds to 0.0 m²: every parcel's walk reaches them, whatever their box,
     /// until a second parcel finds them used up.
     std::vector<std::uint32_t> winzig;
@@ -59,7 +58,7 @@ struct Klassentabelle {
 /// The column names of a table as it is now (one query, no refresh of the name lists).
 std::set<std::string, std::less<>> Spaltenliste(Datenbank& db, std::string_view tabelle);
 /// Adds the text columns the table lacks.
-void SpaltenErgänzen(Datenbank& db, std::string_view tabelle, std::initializer_list<std::string_view> spalten);
+void SpaltenErgänzen(Datenbank& db, std::string_view tabelle, std::span<const std::string_view> spalten);
 
 /// The attributes each kind takes from its table.
 const std::vector<std::string_view>& Attributnamen(Klassenart art);

@@ -37,11 +37,6 @@ constexpr std::string_view SchnelleKlassen[] = {
     "AX_Bodenschaetzung", "AX_Landwirtschaft", "AX_FlaecheGemischterNutzung", "AX_Wald", "AX_Gehoelz",
     "AX_UnkultivierteFlaeche", "AX_UnlandVegetationsloseFlaeche"};
 
-double Gerundet(double wert, int stellen) {
-    const double skala = std::pow(10.0, stellen);
-    return std::round(wert * skala) / skala;
-}
-
 std::string Dauer(double sekunden) {
     const auto s = static_cast<long long>(std::max(sekunden, 0.0));
     char puffer[40];
@@ -89,7 +84,8 @@ private:
     bool FlurstückLesen(Anweisung& lesen, std::int64_t zeile, Flurstück& f);
     void FlurstückRechnen(Flurstück& f);
     void Prüfen(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i);
-    std::optional<double> Schnittfläche(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i, bool& gleich);
+    std::optional<double> Schnittfläche(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i, const Box& box,
+                                        bool& gleich);
     void Eintragen(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i, double a, bool gleich);
     void Zeichnen(const Flurstück& f, const Klassentabelle& tabelle, std::uint32_t i, const Schnitt& s);
     void StatusZeigen(const Flurstück& f, std::size_t nummer, std::size_t alle);
@@ -221,22 +217,24 @@ void Lauf::Prüfen(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i) {
         fläche.verbraucht = "True " + f.kennzeichen;
         return;
     }
-    if (!tabelle.boxen[i] || !tabelle.boxen[i]->Überlappt(f.box))
+    const std::optional<Box>& box = tabelle.index->BoxVon(i);
+    if (!box || !box->Überlappt(f.box))
         return;
     bool gleich = false;
-    const std::optional<double> a = Schnittfläche(f, tabelle, i, gleich);
+    const std::optional<double> a = Schnittfläche(f, tabelle, i, *box, gleich);
     if (a && *a > m_auftrag.minFläche)
         Eintragen(f, tabelle, i, *a, gleich);
 }
 
-std::optional<double> Lauf::Schnittfläche(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i, bool& gleich) {
+std::optional<double> Lauf::Schnittfläche(Flurstück& f, Klassentabelle& tabelle, std::uint32_t i,
+                                          const Box& box, bool& gleich) {
     Klassenfläche& fläche = tabelle.flächen[i];
     if (RingeGleich(f.polygon, fläche.polygon)) {
         ++m_bericht.gleicheUmringe;
         gleich = true;
         return f.fläche;
     }
-    if (!KönnenSichTreffen(f.polygon, f.box, fläche.polygon, *tabelle.boxen[i]))
+    if (!KönnenSichTreffen(f.polygon, f.box, fläche.polygon, box))
         return std::nullopt;
     try {
         if (!f.schnitt)
@@ -336,7 +334,8 @@ void Lauf::Zeichnen(const Flurstück& f, const Klassentabelle& tabelle, std::uin
 void Lauf::KlassenSchreiben() {
     for (const Klassentabelle& tabelle : m_klassen) {
         // Every row gets all three values, which is what dropping and making them anew comes to.
-        SpaltenErgänzen(m_db, tabelle.name, {"checkFullNA", "checkAlkisGesamtFlaeche", "checkAlkisSummeTeilFlaechen"});
+        constexpr std::string_view spalten[] = {"checkFullNA", "checkAlkisGesamtFlaeche", "checkAlkisSummeTeilFlaechen"};
+        SpaltenErgänzen(m_db, tabelle.name, spalten);
         Anweisung schreiben = m_db.VorbereitenNativ(
             "UPDATE " + Bezeichner(tabelle.name) +
             " SET checkFullNA = ?, checkAlkisGesamtFlaeche = ?, checkAlkisSummeTeilFlaechen = ? WHERE rowid = ?");
@@ -403,13 +402,12 @@ std::vector<std::int64_t> Flurstückszeilen(Datenbank& db) {
 
 /// The result columns the walk writes, added where the node file of the database lacked them.
 void ErgebnisspaltenAnlegen(Datenbank& db) {
-    const auto vorhanden = Spaltenliste(db, "AX_Flurstueck");
-    for (std::string_view spalte : FlächenspaltenNamen)
-        if (!vorhanden.contains(spalte))
-            SpaltenErgänzen(db, "AX_Flurstueck", {spalte});
-    SpaltenErgänzen(db, "AX_Flurstueck",
-                    {"flurstuecksnummer/AX_Flurstuecksnummer/zaehler", "flurstuecksnummer/AX_Flurstuecksnummer/nenner",
-                     "flurstueckskennzeichen", "amtlicheFlaeche", "gml:exterior", "gml:interior", "gml:Arc"});
+    std::vector<std::string_view> spalten(FlächenspaltenNamen.begin(), FlächenspaltenNamen.end());
+    for (std::string_view gelesen : {"flurstuecksnummer/AX_Flurstuecksnummer/zaehler",
+                                     "flurstuecksnummer/AX_Flurstuecksnummer/nenner", "flurstueckskennzeichen",
+                                     "amtlicheFlaeche", "gml:exterior", "gml:interior", "gml:Arc"})
+        spalten.push_back(gelesen);
+    SpaltenErgänzen(db, "AX_Flurstueck", spalten);
 }
 
 } // namespace

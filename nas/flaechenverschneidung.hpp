@@ -7,6 +7,7 @@
 // the class polygons' boxes only spares it the rows that could not meet the parcel.
 
 #include "core/fehler.hpp"
+#include "nas/geometrie.hpp"
 #include "nas/nas_optionen.hpp"
 
 #include <cstdint>
@@ -40,7 +41,7 @@ struct Flächenauftrag {
     /// or the option "drawings delete" on: none are written.
     std::filesystem::path zeichnungsordner;
     double minFläche = StandardMinFläche;
-    double pfeilhöhe = 0.01; ///< sagitta of the chords of arcs
+    double pfeilhöhe = StandardPfeilhöhe; ///< sagitta of the chords of arcs
     /// The parcel keys to compute (flurstueckskennzeichen); std::nullopt: all parcels.
     std::optional<std::set<std::string, std::less<>>> auswahl;
 };
