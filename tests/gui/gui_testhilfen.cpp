@@ -88,13 +88,6 @@ void Beantworter::Antworten() {
     knopf->click();
 }
 
-QStringList Beantworter::Texte() const {
-    QStringList texte;
-    for (const Box& box : boxen)
-        texte << box.text;
-    return texte;
-}
-
 QStringList Beantworter::Beschreibungen() const {
     QStringList texte;
     for (const Box& box : boxen)
@@ -113,6 +106,20 @@ QString Beschreibung(const Box& box) {
     return QStringLiteral("[%1] \"%2\" [%3]: %4")
         .arg(QString::fromUtf8(symbole[std::clamp(static_cast<int>(box.symbol), 0, 4)]), box.titel,
              knöpfe.join(u'|'), box.text);
+}
+
+Mitschrift::~Mitschrift() {
+    std::string text = m_text;
+    const std::string ordner = m_ordner.string();
+    for (auto i = text.find(ordner); !ordner.empty() && i != std::string::npos;
+         i = text.find(ordner, i))
+        text.replace(i, ordner.size(), "<ordner>");
+    EXPECT_EQ(GoldenVergleich(text, Testdaten() / "gui" / "mitschrift" / (m_name + ".txt")), "");
+}
+
+Mitschrift& Mitschrift::operator<<(const QString& text) {
+    m_text += gui::Utf8(text) + "\n";
+    return *this;
 }
 
 void Warten(const std::function<bool()>& fertig) {

@@ -1,7 +1,6 @@
 #pragma once
-// What the tests of the desktop program share: the one QApplication (offscreen), helpers that
-// answer message boxes and dialogs, waiting in the event loop, and a main window over a scratch
-// installation.
+// What the GUI tests share: the one QApplication, answering boxes and dialogs, waiting in the
+// event loop, transcripts, and a main window over a scratch installation.
 
 #include "core/kataster.hpp"
 #include "core/programm.hpp"
@@ -38,6 +37,25 @@ struct Box {
 /// A box in one line: `[Symbol] "Titel" [Knopf|Knopf*]: Text`, the default button marked by a star.
 QString Beschreibung(const Box& box);
 
+/// What a test saw, one entry a line, compared at its end with the golden file
+/// tests/daten/gui/mitschrift/<name>.txt; a scratch folder given is written as "<ordner>".
+class Mitschrift {
+public:
+    explicit Mitschrift(std::string name, std::filesystem::path ordner = {})
+        : m_ordner(std::move(ordner)), m_name(std::move(name)) {}
+    Mitschrift(const Mitschrift&) = delete;
+    Mitschrift& operator=(const Mitschrift&) = delete;
+    ~Mitschrift();
+    Mitschrift& operator<<(const QString& text);
+    Mitschrift& operator<<(const QStringList& texte) { return *this << texte.join(u'\n'); }
+    Mitschrift& operator<<(std::string_view text) { return *this << QString::fromUtf8(text); }
+
+private:
+    std::filesystem::path m_ordner;
+    std::string m_name;
+    std::string m_text;
+};
+
 /// Answers every message box that opens while it lives: notes what it shows and clicks the button
 /// `wahl` names (the default button when `wahl` is NoButton), or the next of `folge` when given
 /// (further boxes get the last one).
@@ -47,9 +65,6 @@ public:
         : Beantworter(std::vector{wahl}) {}
     explicit Beantworter(std::vector<QMessageBox::StandardButton> folge);
     std::vector<Box> boxen;
-    /// The texts of the boxes seen, in turn.
-    QStringList Texte() const;
-    /// Beschreibung of the boxes seen, in turn.
     QStringList Beschreibungen() const;
 
 private:
@@ -82,10 +97,8 @@ private:
 /// Runs the event loop until `fertig` holds or two seconds have passed.
 void Warten(const std::function<bool()>& fertig);
 
-/// A main window over an installation in a scratch folder, made as the program makes it: the
-/// start-up runs first (working directory "arbeit" in the folder, the views file `ansichten`, given
-/// in UTF-8, written in Windows-1252), then the window. Its per-user settings lie in the folder
-/// too, and the files it would open in the system's programs are recorded instead.
+/// A main window over a scratch installation, started as the program starts (views file
+/// `ansichten` given in UTF-8); user settings stay in the folder, files it opens are recorded.
 struct Hauptfenster {
     TempOrdner ordner;
     Programmzustand zustand{Installation{ordner.pfad()}};
@@ -101,9 +114,7 @@ struct Hauptfenster {
     Kataster& K() { return fenster.Tabelle(); }
     gui::KatasterModell& M() { return fenster.Modell(); }
     QTableView& Grid() { return *fenster.Grid(); }
-    /// The window's child named `name`; a failure when there is none.
     template <typename T> T* Element(const char* name);
-    /// Triggers the window's action named `aktion`.
     void Auslösen(const char* aktion);
 };
 
@@ -121,7 +132,6 @@ template <typename T> T* Hauptfenster::Element(const char* name) {
     return test::Element<T>(fenster, name);
 }
 
-/// The texts of a combo box's entries.
 QStringList Einträge(const QComboBox& box);
 
 } // namespace flurix::test

@@ -1,6 +1,5 @@
-// The desktop program without a screen (QT_QPA_PLATFORM=offscreen): the main window's help, info
-// and status bar, the Qt UI port, the open dialog's filters, the import options dialog, the system
-// options dialog, closing, and the start of what the command line asked for.
+// The desktop program offscreen: help, info, status bar, the Qt UI port, file filters, the option
+// dialogs, closing, and the start of what the command line asked for.
 
 #include "core/kataster.hpp"
 #include "core/oberflaeche_skript.hpp"
@@ -32,6 +31,7 @@ using namespace Qt::Literals::StringLiterals;
 using test::Beantworter;
 using test::Element;
 using test::Hauptfenster;
+using test::Mitschrift;
 using test::Panel;
 
 TEST(Gui, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen) {
@@ -39,14 +39,14 @@ TEST(Gui, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen) {
     {
         Beantworter ok;
         EXPECT_TRUE(h.fenster.Hilfe().empty());
-        EXPECT_TRUE(ok.Texte().join(u'\n').contains(u"README.md"_s)) << "no README.md: told";
+        EXPECT_TRUE(ok.Beschreibungen().join(u'\n').contains(u"README.md"_s));
         EXPECT_TRUE(h.geöffnet.empty());
     }
     test::DateiSchreiben(h.ordner / "README.md", "# Flurix\n\nDie **Suche** füllt auf.\n");
     Element<QAction>(h.fenster, "btnHilfe")->trigger();
     ASSERT_EQ(h.geöffnet.size(), 1U);
     const std::filesystem::path seite = PfadAus(h.geöffnet[0].toLocalFile());
-    EXPECT_EQ(seite.extension(), ".html") << "a page for the browser, not the Markdown";
+    EXPECT_EQ(seite.extension(), ".html");
     const std::string html = test::DateiLesen(seite);
     EXPECT_NE(html.find("Suche"), std::string::npos);
     EXPECT_NE(html.find("füllt"), std::string::npos) << "UTF-8 kept";
@@ -57,7 +57,7 @@ TEST(Gui, HilfeÖffnetDasLiesmichImBrowserUndInfoNenntRevisionUndLizenzen) {
     ASSERT_EQ(ok.boxen.size(), 1U);
     const QString info = ok.boxen[0].text;
     EXPECT_TRUE(info.contains(h.fenster.windowTitle()));
-    // The revision the sources had when they were built: a commit of their repository.
+    // The revision: a commit of the sources' repository.
     const QRegularExpressionMatch revision =
         QRegularExpression(u"Git-Revision: ([^\\s-]+)"_s).match(info);
     ASSERT_TRUE(revision.hasMatch()) << Utf8(info);
@@ -84,12 +84,10 @@ TEST(Gui, StatusSchreibtNurDasGenanntePanelUndFortschrittZeigtDenBalken) {
                               u"Flurstück 5"_s};
     for (int nummer = 1; nummer <= 6; ++nummer)
         EXPECT_EQ(Panel(h.fenster, nummer), panels[nummer - 1]) << nummer;
-    // A text wider than its panel can be read whole in the tooltip.
     EXPECT_EQ(h.fenster.StatusPanel(3)->toolTip(), panels[2]);
 
     auto* balken = Element<QProgressBar>(h.fenster, "Fortschritt");
     EXPECT_FALSE(balken->isVisible());
-    // Counts beyond the range of int, as for a file of several gigabytes.
     h.ui.Fortschritt(3'000'000'000LL, 12'000'000'000LL);
     EXPECT_TRUE(balken->isVisible());
     EXPECT_EQ(balken->value() * 4, balken->maximum());
@@ -100,9 +98,8 @@ TEST(Gui, StatusSchreibtNurDasGenanntePanelUndFortschrittZeigtDenBalken) {
     EXPECT_FALSE(balken->isVisible());
 }
 
-// Each kind of question with each default, answered by the default button and by each button, and a
-// message in each style: the answers and the boxes as tests/daten/gui/frage_und_meldung.txt has
-// them.
+// Each kind of question with each default, answered by the default and by each button, and a
+// message in each style.
 TEST(Gui, FrageUndMeldungZeigenKnöpfeVorgabeUndSymbol) {
     const std::map<Antwort, std::pair<QMessageBox::StandardButton, std::string>> knöpfe{
         {Antwort::Ja, {QMessageBox::Yes, "Ja"}},
@@ -156,12 +153,11 @@ TEST(Gui, EscapeWirdEinmalGemeldetUndAndereEingabenVerworfen) {
             &knopf, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
     };
     EXPECT_FALSE(ui.AbbruchGewünscht());
-    // A click that waits while the work runs is dropped by the poll, Escape is noted.
+    // The poll drops a waiting click and notes Escape; outside a poll input is taken as always.
     klickenUndEscape();
     EXPECT_TRUE(ui.AbbruchGewünscht());
     EXPECT_EQ(geklickt, 0);
     EXPECT_FALSE(ui.AbbruchGewünscht()) << "reading the request resets it";
-    // Outside a poll the program takes its input as always, and Escape cancels no later work.
     klickenUndEscape();
     QCoreApplication::processEvents();
     EXPECT_EQ(geklickt, 1);
@@ -170,7 +166,6 @@ TEST(Gui, EscapeWirdEinmalGemeldetUndAndereEingabenVerworfen) {
 
 TEST(Gui, DateifilterWerdenQtFilterUndDerGewählteGibtDieEingabeart) {
     EXPECT_EQ(QtDateifilter("Zip-Datei (*.zip)|*.zip|"), u"Zip-Datei (*.zip)"_s);
-    // A description without its pattern gets it; several patterns are separated by blanks.
     EXPECT_EQ(QtDateifilter("Texte|*.txt;*.csv|Alle|*.*"), u"Texte (*.txt *.csv);;Alle (*.*)"_s);
     EXPECT_EQ(QtDateifilter(""), QString());
     const QStringList filter = QtDateifilterListe(import::DateiFilter);
@@ -191,17 +186,13 @@ TEST(Gui, DateifilterWerdenQtFilterUndDerGewählteGibtDieEingabeart) {
     EXPECT_EQ(FilterNummer(filter, u"Alle Dateien (*)"_s), 0);
 }
 
-// --- the import options dialog ---
-
 auto Importoptionen(const char* format) {
     import::ImportOptionen optionen;
     optionen.importFormat = format;
     return optionen;
 }
 
-// Per format, with the complete reader chosen as a former load may have left it: the title, each
-// named control (caption, tooltip, shown, enabled, ticked) and the options the dialog gives back,
-// as tests/daten/gui/optionen_dialog.txt has them.
+// Per format, the complete reader chosen before: each named control and the options given back.
 TEST(Gui, OptionenDialogZeigtJeFormatSeineKnöpfeUndGibtDieOptionenZurück) {
     std::string ist;
     for (const char* format : {"32", "35", "XML"}) {
@@ -240,7 +231,7 @@ TEST(Gui, TeilweiseUndKomplettSchließenSichAus) {
     EXPECT_FALSE(teilweise->isChecked());
     EXPECT_TRUE(dialog.Optionen().albKomplett);
     komplett->click();
-    EXPECT_TRUE(komplett->isChecked()) << "one reader is always chosen";
+    EXPECT_TRUE(komplett->isChecked());
     teilweise->click();
     EXPECT_TRUE(teilweise->isChecked());
     EXPECT_FALSE(komplett->isChecked());
@@ -269,12 +260,9 @@ TEST(Gui, OptionenDialogSchreibtNurBeiOk) {
     EXPECT_EQ(optionen.importFormat, "32");
 }
 
-// --- the system options dialog ---
-
 TEST(Gui, SystemdialogBrauchtSchreibrechtUndZeigtDasErgebnisDerSicherung) {
     test::TempOrdner ordner;
     SkriptOberfläche ui;
-    // A folder that isn't there can't be written to, whoever runs the test.
     EXPECT_FALSE(FormOptionenSystem::Anzeigen(ordner / "fehlt" / "config", ui, nullptr));
     ASSERT_EQ(ui.Meldungen().size(), 1U);
     EXPECT_TRUE(ui.Meldungen()[0].starts_with("Es liegen keine Schreibrechte für Änderungen an den "
@@ -294,24 +282,19 @@ TEST(Gui, SystemdialogBrauchtSchreibrechtUndZeigtDasErgebnisDerSicherung) {
     EXPECT_EQ(dialog.Zustand(), u"Fehler beim Zip-Datei öffnen!"_s);
 }
 
-// --- closing and the start by command line ---
-
 TEST(Gui, SchließenFragtUndNeinLässtDasProgrammLaufen) {
     Hauptfenster h;
+    Mitschrift m("schliessen");
     h.fenster.show();
     Beantworter antworten({QMessageBox::No, QMessageBox::Yes});
     EXPECT_FALSE(h.fenster.close());
     EXPECT_TRUE(h.fenster.isVisible());
     EXPECT_TRUE(h.zustand.BeendenFragen);
     EXPECT_FALSE(h.exitcode.has_value());
-    EXPECT_EQ(
-        antworten.Beschreibungen(),
-        QStringList{
-            u"[Frage] \"Flurix\" [Ja*|Nein]: Wollen Sie den Flurix jetzt wirklich beenden?   "_s});
+    m << antworten.Beschreibungen();
     EXPECT_TRUE(h.fenster.close());
     EXPECT_FALSE(h.zustand.BeendenFragen);
     EXPECT_EQ(h.exitcode, 0);
-    // Once ended, nothing asks again or ends a second time.
     h.exitcode.reset();
     EXPECT_TRUE(h.fenster.BeendenKlick());
     EXPECT_EQ(antworten.boxen.size(), 2U);
@@ -320,6 +303,7 @@ TEST(Gui, SchließenFragtUndNeinLässtDasProgrammLaufen) {
 
 TEST(Gui, DateiVonDerKommandozeileWirdNachDemAnzeigenErfragt) {
     Hauptfenster h;
+    Mitschrift m("kommandozeile");
     const auto datei = h.ordner / "auftrag.fil";
     test::DateiSchreiben(datei, "");
     h.zustand.auftrag.art = Startart::DateiLaden;
@@ -331,13 +315,13 @@ TEST(Gui, DateiVonDerKommandozeileWirdNachDemAnzeigenErfragt) {
     EXPECT_TRUE(h.fenster.isVisible());
     EXPECT_TRUE(nein.boxen.empty()) << "the question waits until the window is painted";
     test::Warten([&] { return !nein.boxen.empty(); });
-    EXPECT_EQ(nein.Texte(),
-              QStringList{u"Soll die Eingabedatei \"auftrag.fil\" eingelesen werden?   "_s});
+    m << nein.Beschreibungen();
     EXPECT_FALSE(h.exitcode.has_value());
 }
 
 TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     Hauptfenster h;
+    Mitschrift m("nas_laden");
     const auto quellen = std::filesystem::path(FLURIX_QUELLEN);
     std::filesystem::copy(quellen / "config", h.ordner / "config",
                           std::filesystem::copy_options::recursive |
@@ -345,7 +329,7 @@ TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     const auto datei = h.ordner / "muster.xml";
     std::filesystem::copy_file(quellen / "samples" / "musterstadt_nas.xml", datei);
     h.fenster.show();
-    // As a job from the command line: a ".xml" that its content shows to be NAS.
+    // A job from the command line: a ".xml" that its content shows to be NAS.
     import::Ladeauftrag auftrag;
     auftrag.dateien = {datei};
     auftrag.art = import::Eingabeart::Xml;
@@ -355,11 +339,7 @@ TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
         EXPECT_TRUE(h.fenster.Laden(auftrag));
         return beantworter.Beschreibungen();
     };
-    // Only the job's question: an empty table is filled.
-    EXPECT_EQ(
-        laden(QMessageBox::Yes),
-        QStringList{
-            u"[Frage] \"Flurix\" [Ja*|Nein]: Soll die Eingabedatei \"muster.xml\" eingelesen werden?   "_s});
+    m << laden(QMessageBox::Yes);
     const std::size_t zeilen = h.fenster.Tabelle().Zeilenzahl();
     EXPECT_GT(zeilen, 24U); // 24 parcels, several with more than one owner
     auto* tabelle = h.fenster.findChild<QTableView*>();
@@ -367,15 +347,12 @@ TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     EXPECT_EQ(h.fenster.Tabelle().Zelle(0, "Gemarkung"), "Beispielfeld");
     EXPECT_FALSE(h.zustand.arbeitsdatenbanken.empty()) << "the work database goes at the end";
 
-    // With rows in the table the person chooses: No replaces, Yes extends.
+    // With rows in the table: No replaces, Yes extends.
     auftrag.art = import::Eingabeart::NasXml;
     auftrag.vonKommandozeile = false;
-    EXPECT_EQ(laden(QMessageBox::No),
-              QStringList{u"[Frage] \"Auswahl Import NAS-Daten\" [Ja*|Nein]: <Ja> vorliegende "
-                          u"Datenbank wird erweitert   \n"
-                          "<Nein> vorliegende Datenbank wird überschrieben   "_s});
+    m << laden(QMessageBox::No);
     EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), zeilen);
-    laden(QMessageBox::Yes);
+    m << laden(QMessageBox::Yes);
     EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), 2 * zeilen);
     EXPECT_EQ(static_cast<std::size_t>(tabelle->model()->rowCount()), 2 * zeilen);
 }

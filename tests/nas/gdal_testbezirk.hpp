@@ -1,11 +1,7 @@
 #pragma once
-// GDAL's programs on NAS files, for the tests that measure our NAS work against a reader we did
-// not write, and the real test district they read.
-//
-// The district is licensed for tests only: it is read where it lies, decompressed once into the
-// build tree (and reused while its size is right), and never copied into the repository. GDAL
-// writes a .gfs file beside its input, so its programs read a link to the file in a folder of
-// their own. Tests skip with the message of `fehlt` when the archive, xz or ogrinfo is missing.
+// GDAL's programs on NAS files, and the real test district (licensed for tests only: decompressed
+// once into the build tree, never copied into the repository). GDAL writes a .gfs file beside its
+// input, so it reads a link in a folder of its own.
 
 #include "core/datenbank.hpp"
 #include "gemeinsam/testumgebung.hpp"
@@ -47,8 +43,7 @@ inline Bezirk BezirkBereitstellen() {
         return b;
     std::error_code ec;
     if (std::filesystem::file_size(entpackt, ec) != BezirkBytes) {
-        // Written beside the target under a name of this process and renamed when whole, so that
-        // test processes running side by side never read a half-written file.
+        // Renamed when whole: test processes side by side never read a half-written file.
         std::filesystem::create_directories(entpackt.parent_path());
         auto teil = entpackt;
         teil += "." + std::to_string(::getpid()) + ".teil";
@@ -65,7 +60,6 @@ inline Bezirk BezirkBereitstellen() {
     return b;
 }
 
-/// The district of this test process, decompressed at the first call.
 inline const Bezirk& TestBezirk() {
     static const Bezirk bezirk = BezirkBereitstellen();
     return bezirk;

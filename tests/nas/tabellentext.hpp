@@ -1,12 +1,7 @@
 #pragma once
-// Tables of an object database as text, for the NAS tests and benchmarks: fixtures are read from
-// small files, results are written out one cell a line for a golden-file comparison.
-//
-// A fixture file holds one or more tables:
-//   # Tabelle <name>            starts a table; the next line names its columns (TAB-separated)
-//   <cell>\t<cell>...           one row a line; \N is NULL, an empty cell the empty text
-// Other lines starting with "#" and empty lines are passed over. Every column is made as
-// Datenbank::TabelleAnlegen makes text (TEXT COLLATE NOCASE), as the scan does.
+// Tables of an object database as text, for the NAS tests and benchmarks: fixtures in the form of
+// tests/daten/nas/README.md ("# Tabelle <name>", a header line, TAB-separated rows, \N for NULL),
+// made as Datenbank::TabelleAnlegen makes text; results one cell a line for golden files.
 
 #include "core/datenbank.hpp"
 

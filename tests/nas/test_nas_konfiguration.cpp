@@ -1,6 +1,5 @@
-// The configuration files of the NAS import as an installation ships them: their encoding, their
-// line forms, and that they declare everything the object database, the compilation and the
-// area computation read by name. Lookups in them are in test_umformungen.cpp.
+// The shipped configuration files of the NAS import: encoding, line forms, and everything the
+// later steps read by name. Lookups in them are in test_umformungen.cpp.
 
 #include "core/cp1252.hpp"
 #include "gemeinsam/testumgebung.hpp"
@@ -39,7 +38,6 @@ std::vector<std::string> Teilen(const std::string& text, const std::string& tren
     }
 }
 
-// The lines of a shipped file as UTF-8, CR LF removed.
 std::vector<std::string> Zeilen(const std::string& datei) {
     const std::string text = Cp1252NachUtf8(test::DateiLesen(Konfig / datei));
     std::vector<std::string> zeilen;
@@ -51,7 +49,6 @@ std::vector<std::string> Zeilen(const std::string& datei) {
     return zeilen;
 }
 
-// The lines that are not comments, tabs removed and blanks trimmed, as the readers see them.
 std::vector<std::string> Datenzeilen(const std::string& datei) {
     std::vector<std::string> daten;
     for (std::string zeile : Zeilen(datei)) {
@@ -63,7 +60,6 @@ std::vector<std::string> Datenzeilen(const std::string& datei) {
     return daten;
 }
 
-// The lines of a list in tests/daten/nas, without comments and empty lines.
 std::vector<std::string> Listenzeilen(const std::string& datei) {
     std::vector<std::string> zeilen;
     for (std::string& zeile : Teilen(test::DateiLesen(test::Testdaten() / "nas" / datei), "\n"))
@@ -89,7 +85,6 @@ TEST(NasKonfiguration, Windows1252MitCrLf) {
             EXPECT_TRUE(b != '\r' || (i + 1 < bytes.size() && bytes[i + 1] == '\n')) << "CR ohne LF an " << i;
         }
         EXPECT_TRUE(bytes.ends_with("\r\n"));
-        // Umlauts saved as UTF-8 would read as two wrong letters each.
         EXPECT_FALSE(achtBit && IstGültigesUtf8(bytes)) << "als UTF-8 gespeichert";
         EXPECT_TRUE(Zeilen(datei).front().starts_with("*")) << "beginnt ohne Kopf";
     }
@@ -104,11 +99,8 @@ TEST(NasKonfiguration, ZeilenformUndEindeutigeSchlüssel) {
         std::size_t mindestens;         // lines at least (the court list ships empty)
     };
     const Fall fälle[] = {
-        // The text goes into a list joined with ";" and into a quoted SQL string.
         {"ALKIS_Werteart.dat", " = ", {".+", ".+", "[0-9]{3,4}", "[^;\"=]+"}, 3, 100},
-        // Land (two digits) and office, without a blank, as AX_Dienststelle/schluesselGesamt.
         {"ALKIS_Amtsgerichte.dat", "=", {"[0-9]{2}[0-9A-Z]{4}", ".+"}, 1, 0},
-        // The lookup passes over every line that holds "*".
         {"ALKIS_EPSG.dat", "=", {"[^*]+", "[0-9]{4,5}_[0-9]{1,2}"}, 1, 5},
     };
     for (const auto& fall : fälle) {
@@ -129,8 +121,6 @@ TEST(NasKonfiguration, ZeilenformUndEindeutigeSchlüssel) {
         }
     }
 }
-
-// --- ALKIS_Knoten.dat -----------------------------------------------------------------------
 
 struct Feld {
     std::string links; ///< the left side as written
@@ -179,13 +169,11 @@ TEST(AlkisKnoten, KopfZeilenformenUndMemoFürGeometrieUndListen) {
     EXPECT_EQ(k.kopf, (std::vector<std::string>{"XMLBaumTree = gml:featureMember;wfs:member",
                                                 "XMLBaum = /TypNameAX_Bestandsdatenauszug"}));
     EXPECT_TRUE(k.fehler.empty()) << ::testing::PrintToString(k.fehler);
-    // Geometry, and the relations that collect every reference of a feature in one row.
     const std::set<std::string> memo = {"position", "gml:exterior", "gml:interior", "gml:LineStringSegment", "gml:Arc",
                                         "weistAuf@xlink:href@ori_LagebezeichnungMitHausnummer",
                                         "zeigtAuf@xlink:href@ori_LagebezeichnungOhneHausnummer",
                                         "an@xlink:href@ori_Buchungsstelle"};
     for (const auto& [name, felder] : k.klassen) {
-        // Every class but the one the program writes itself is keyed by its gml:id.
         EXPECT_EQ(k.mitKennung.contains(name), name != "Antragsbeschreibung") << name;
         EXPECT_FALSE(felder.empty()) << name;
         std::set<std::string> gesehen;
@@ -197,7 +185,6 @@ TEST(AlkisKnoten, KopfZeilenformenUndMemoFürGeometrieUndListen) {
 }
 
 TEST(AlkisKnoten, SpaltenDieAnreicherungZusammenstellungUndFlaechenLesen) {
-    // The list lies in tests/daten/nas/knoten_gelesene_spalten.txt, one class a line.
     const Knoten k = KnotenLesen();
     std::size_t klassen = 0;
     for (const std::string& zeile : Listenzeilen("knoten_gelesene_spalten.txt")) {
@@ -213,14 +200,11 @@ TEST(AlkisKnoten, SpaltenDieAnreicherungZusammenstellungUndFlaechenLesen) {
     EXPECT_EQ(klassen, 24u + 27u) << "Liste nicht gelesen";
 }
 
-// --- ALKIS_Werteart.dat ---------------------------------------------------------------------
-
 TEST(AlkisWerteart, PaareVorhandenUndZusammenhaengend) {
     const std::vector<std::string> zeilen = Zeilen("ALKIS_Werteart.dat");
     std::string ganz;
     for (const std::string& zeile : zeilen)
         ganz += zeile + "\r\n";
-    // The pairs the enrichment replaces in the tables and the area computation looks up.
     for (const std::string& paar : Listenzeilen("werteart_gelesene_paare.txt")) {
         std::optional<std::size_t> erste, letzte;
         std::size_t anzahl = 0;
@@ -232,8 +216,7 @@ TEST(AlkisWerteart, PaareVorhandenUndZusammenhaengend) {
             }
         ASSERT_TRUE(erste) << paar;
         EXPECT_EQ(*letzte - *erste + 1, anzahl) << paar << ": Zeilen nicht beisammen";
-        // The list of a pair is cut from the text wherever the pair occurs: no comment and no
-        // other line may hold it.
+        // The pair's list is cut wherever the pair occurs: no other line may hold it.
         std::size_t vorkommen = 0;
         for (auto pos = ganz.find(paar); pos != std::string::npos; pos = ganz.find(paar, pos + 1))
             ++vorkommen;
@@ -255,8 +238,6 @@ TEST(AlkisWerteart, SkriptErzeugtDieAusgelieferteDatei) {
         << "config/ALKIS_Werteart.dat ist nicht mehr die Ausgabe von werteart_erzeugen.py";
 }
 
-// --- ALKIS_EPSG.dat -------------------------------------------------------------------------
-
 TEST(AlkisEpsg, KeinNameStecktInEinemSpaeterenNamenUndDerMeridianIstDerDesNamens) {
     std::vector<std::vector<std::string>> zeilen;
     for (const std::string& zeile : Datenzeilen("ALKIS_EPSG.dat"))
@@ -264,14 +245,12 @@ TEST(AlkisEpsg, KeinNameStecktInEinemSpaeterenNamenUndDerMeridianIstDerDesNamens
     ASSERT_GT(zeilen.size(), 5u);
     for (std::size_t i = 0; i < zeilen.size(); ++i) {
         ASSERT_EQ(zeilen[i].size(), 2u);
-        // The lookup takes the first line whose name stands in the system name, the way back
-        // from the EPSG pair to the name the same rule.
+        // Both lookups take the first line whose name (or pair) is contained in what is sought.
         for (std::size_t j = i + 1; j < zeilen.size(); ++j) {
             EXPECT_EQ(zeilen[j][0].find(zeilen[i][0]), std::string::npos) << zeilen[i][0] << " vor " << zeilen[j][0];
             EXPECT_TRUE(zeilen[i][1] == zeilen[j][1] || zeilen[j][1].find(zeilen[i][1]) == std::string::npos)
                 << zeilen[i][1] << " vor " << zeilen[j][1];
         }
-        // The meridian code is the zone or strip of the name.
         std::smatch treffer;
         if (std::regex_search(zeilen[i][0], treffer, std::regex("(UTM|3GK)([0-9]+)$"))) {
             EXPECT_TRUE(zeilen[i][1].ends_with("_" + treffer[2].str())) << zeilen[i][0];

@@ -1,7 +1,5 @@
-// The reorganisation of a NAS object database into the rows of Alkis: which rows a parcel gets
-// (bookings, attached bookings, owners), what each row joins, the location texts, and the hints
-// on what could not be joined. The database is made from the shipped node file and filled by
-// hand, so that each case states exactly the graph it tests.
+// The reorganisation of a NAS object database (shipped node file, filled by hand) into the rows of
+// Alkis: rows per booking and owner, joins, location texts, hints on what could not be joined.
 
 #include "nas/reorganisation.hpp"
 
@@ -35,7 +33,6 @@ struct Graph {
         DAO_DatenbankAnlegenAusKnoten(*db, KnotenLesen(Konfig / "ALKIS_Knoten.dat"), [](std::string_view) {});
     }
 
-    // One row: column -> value; identifiers are written in the marked form the scan stores.
     void Zeile(std::string_view tabelle, const std::map<std::string, std::string>& werte) {
         std::string spalten, fragen;
         for (const auto& [spalte, wert] : werte) {
@@ -73,30 +70,19 @@ struct Graph {
                                    {"buchungsblattnummerMitBuchstabenerweiterung", nummer},
                                    {"buchungsblattbezirk", "07 2566"}});
     }
-    void Eigentümer(const std::string& blatt, const std::string& nn, const std::string& lfd,
-                    const std::string& person, const std::string& name,
-                    const std::string& anschrift = {}) {
-        Zeile("AX_Namensnummer", {{"id", nn}, {"laufendeNummerNachDIN1421", lfd}});
-        Beziehung("AX_Namensnummer_istBestandteilVon#AX_Buchungsblatt", nn, blatt, "AX_Buchungsblatt");
-        Beziehung("AX_Namensnummer_benennt#AX_Person", nn, person, "AX_Person");
-        Zeile("AX_Person", {{"id", person}, {"nachnameOderFirma", name}});
-        if (!anschrift.empty()) {
-            Beziehung("AX_Person_hat#AX_Anschrift", person, anschrift, "AX_Anschrift");
-            Zeile("AX_Anschrift", {{"id", anschrift}, {"strasse", "Weg " + name}, {"ort_Post", "Musterstadt"}});
+    // The rows of a fixture file (tests/daten/nas), into the node file's tables or new text tables.
+    void Laden(const std::string& datei) {
+        for (const auto& t : test::TabellentexteLesen(test::Testdaten() / "nas" / datei)) {
+            if (!DAO_TabelleVorhanden(*db, t.name))
+                test::TabellenAnlegen(*db, {{t.name, t.spalten, {}}});
+            for (const auto& zeile : t.zeilen) {
+                std::map<std::string, std::string> werte;
+                for (std::size_t i = 0; i < zeile.size(); ++i)
+                    if (zeile[i] != "\\N")
+                        werte[t.spalten[i]] = zeile[i];
+                Zeile(t.name, werte);
+            }
         }
-    }
-    void Umfeld() {
-        Zeile("AX_Gemeinde", {{"id", "GD"}, {"gemeindekennzeichen", "07 2 31 103"}, {"bezeichnung", "Musterstadt"}});
-        Zeile("AX_Gemarkung", {{"id", "GM"}, {"schluessel", "07 2566"}, {"schluesselGesamt", "072566"},
-                               {"bezeichnung", "Musterhausen"}});
-        Zeile("AX_Buchungsblattbezirk", {{"id", "BZ"}, {"schluessel", "07 2566"}, {"bezeichnung", "Musterhausen"},
-                                         {"gehoertZu", "07 2408"}});
-        Zeile("AX_Dienststelle", {{"id", "KA"}, {"schluesselGesamt", "070455"}, {"schluessel", "07 0455"},
-                                  {"bezeichnung", "Katasteramt Musterstadt"}});
-        // The enrichment links each Gemarkung to its office.
-        db->AusführenNativ("CREATE TABLE \"AX_Gemarkung_id#istAmtsbezirkVon\" "
-                           "(id TEXT COLLATE NOCASE, istAmtsbezirkVon TEXT COLLATE NOCASE)");
-        Beziehung("AX_Gemarkung_id#istAmtsbezirkVon", "GM", "07 0455", "istAmtsbezirkVon");
     }
 
     Reorganisationsbericht Reorganisieren() {
@@ -104,7 +90,6 @@ struct Graph {
         return XmlReorganisation(*db, protokoll, ui);
     }
 
-    // Cells of Alkis, one string per row ("|" between cells), in a fixed order.
     std::vector<std::string> Alkis(const std::string& spalten, const std::string& ordnung) {
         return test::Abfragezeilen(*db, "SELECT " + spalten + " FROM Alkis ORDER BY " + ordnung);
     }
@@ -114,18 +99,12 @@ using Zeilen = std::vector<std::string>;
 
 TEST(Reorganisation, EineZeileJeEigentümerMitPersonUndAnschrift) {
     Graph g;
-    g.Umfeld();
-    g.Flurstück("F1", "07256600100012______");
-    g.Buchung("F1", "B1", "S1", "0003");
-    g.Blatt("S1", "0001234");
-    g.Eigentümer("S1", "N2", "0002", "P2", "Beispiel, Otto", "A2");
-    g.Eigentümer("S1", "N1", "0001", "P1", "Muster, Erika", "A1");
-    g.Eigentümer("S1", "N3", "0003", "P3", "Ohneweg, Anna"); // no address
+    g.Laden("reorganisation_umfeld.tab");
+    g.Laden("reorganisation_drei_eigentuemer.tab");
     const auto bericht = g.Reorganisieren();
 
     EXPECT_EQ(bericht.flurstücke, 1);
     EXPECT_EQ(bericht.zeilen, 3);
-    // Each copy of the booking's row took its own name number, person and address.
     EXPECT_EQ(g.Alkis("id_AX_Buchungsstelle, [laufendeNummer_AX_Buchungsstelle], "
                       "[buchungsblattnummerMitBuchstabenerweiterung_AX_Buchungsblatt], "
                       "AnzZeilen_AX_Namensnummer, id_AX_Namensnummer, "
@@ -135,7 +114,6 @@ TEST(Reorganisation, EineZeileJeEigentümerMitPersonUndAnschrift) {
               (Zeilen{"B1|0003|0001234|0003|N1|0001|P1|Muster, Erika|Weg Muster, Erika",
                       "B1|0003|0001234|0003|N2|0002|P2|Beispiel, Otto|Weg Beispiel, Otto",
                       "B1|0003|0001234|0003|N3|0003|P3|Ohneweg, Anna|"}));
-    // The parcel's own joins stand in every row.
     EXPECT_EQ(g.Alkis("DISTINCT bezeichnung_AX_Gemeinde, bezeichnung_AX_Gemarkung, "
                       "schluesselGesamt_AX_Buchungsblattbezirk, bezeichnung_AX_Dienststelle",
                       "1"),
@@ -146,7 +124,6 @@ TEST(Reorganisation, EineZeileJeEigentümerMitPersonUndAnschrift) {
 }
 
 TEST(Reorganisation, AngehängteBuchungen) {
-    // Own booking, one attached booking, two attached bookings: the register's old rule.
     struct Fall {
         const char* name;
         std::vector<std::string> angehängt;
@@ -179,15 +156,7 @@ TEST(Reorganisation, AngehängteBuchungen) {
 TEST(Reorganisation, EineBuchungAnZweiBuchungen) {
     // A share booked "an" the bookings of two parcels belongs to both.
     Graph g;
-    g.Flurstück("F1", "07256600100012______");
-    g.Flurstück("F2", "07256600100013______");
-    g.Buchung("F1", "B1", "S", "0001");
-    g.Buchung("F2", "B2", "S", "0002");
-    g.Blatt("S", "1");
-    for (const char* x : {"X1", "X2"}) {
-        g.Buchung("", x, "S", x);
-        g.Beziehung("AX_Buchungsstelle_an#ori_Buchungsstelle", x, "B1; B2", "ori_Buchungsstelle");
-    }
+    g.Laden("reorganisation_buchung_an_zwei.tab");
     g.Reorganisieren();
     EXPECT_EQ(g.Alkis("flurstueckskennzeichen, id_AX_Buchungsstelle", "rowid"),
               (Zeilen{"07256600100012______|X2", "07256600100012______|X1",
@@ -196,7 +165,7 @@ TEST(Reorganisation, EineBuchungAnZweiBuchungen) {
 
 TEST(Reorganisation, FlurstückOhneBuchungBleibtMitHinweisen) {
     Graph g;
-    g.Umfeld();
+    g.Laden("reorganisation_umfeld.tab");
     g.Flurstück("F9", "07256600100099______");
     const auto bericht = g.Reorganisieren();
     EXPECT_EQ(g.Alkis("flurstueckskennzeichen, id_AX_Buchungsstelle, nachnameOderFirma_AX_Person",
@@ -208,7 +177,6 @@ TEST(Reorganisation, FlurstückOhneBuchungBleibtMitHinweisen) {
                                         "Hinweis: 1 \"id_AX_Buchungsblatt\" ohne Bezug...",
                                         "Hinweis: 1 \"position_AP_PTO\" ohne Bezug...",
                                         "Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."}));
-    // The protocol file names what was missing, row by row.
     const std::string prn = DateiLesen(g.ordner / "auszug.xml.prn");
     EXPECT_NE(prn.find(", id_AX_Buchungsblatt, Index:  ohne Bezug..."), std::string::npos);
     EXPECT_NE(prn.find("Hinweis: 1 \"AX_Flurstueck\" ohne AX_Namensnummer..."), std::string::npos);
@@ -222,37 +190,15 @@ TEST(Reorganisation, HängendeVerweiseWerdenGezählt) {
                 "ori_LagebezeichnungMitHausnummer");
     const auto bericht = g.Reorganisieren();
     EXPECT_EQ(bericht.zeilen, 1);
-    EXPECT_EQ(bericht.Anzahl(Bezug::Buchungsblatt), 1);
-    EXPECT_EQ(bericht.Anzahl(Bezug::Gemeinde), 1);
-    EXPECT_EQ(bericht.Anzahl(Bezug::Gemarkung), 1);
-    EXPECT_EQ(bericht.Anzahl(Bezug::Dienststelle), 1);
-    EXPECT_EQ(bericht.Anzahl(Bezug::LageMitHausnummer), 1);
+    for (const auto bezug : {Bezug::Buchungsblatt, Bezug::Gemeinde, Bezug::Gemarkung, Bezug::Dienststelle,
+                             Bezug::LageMitHausnummer})
+        EXPECT_EQ(bericht.Anzahl(bezug), 1) << static_cast<int>(bezug);
     EXPECT_EQ(bericht.Anzahl(Bezug::IdBuchungsblatt), 0); // the link itself is there
 }
 
 TEST(Reorganisation, LagebezeichnungUndBeschriftungspunkt) {
     Graph g;
-    g.Flurstück("F1", "07256600100012______");
-    const std::string schlüsselElement =
-        "lagebezeichnung/AX_Lagebezeichnung/verschluesselt/AX_VerschluesselteLagebezeichnung/lage";
-    g.Zeile("AX_LagebezeichnungKatalogeintrag",
-            {{"id", "K1"}, {"schluessel", "07 2 31 103 00306"}, {"bezeichnung", "Hauptstraße"}});
-    for (const auto& [id, nummer] : {std::pair{"L3", "3"}, {"L1", "1"}, {"L10", "10"}}) {
-        g.Zeile("AX_LagebezeichnungMitHausnummer", {{"id", id},
-                                                    {"lagebezeichnung", "07 2 31 103 00306"},
-                                                    {schlüsselElement, "00306"},
-                                                    {"hausnummer", nummer}});
-    }
-    g.Zeile("AX_LagebezeichnungMitHausnummer",
-            {{"id", "L7"}, {"lagebezeichnung", "Am Markt"}, {"hausnummer", "7"}});
-    g.Beziehung("AX_Flurstueck_weistAuf#ori_LagebezeichnungMitHausnummer", "F1", "L3; L1; L10; L7",
-                "ori_LagebezeichnungMitHausnummer");
-    g.Zeile("AP_PTO", {{"id", "T1"}, {"position", "350821.045 5532031.370"}});
-    g.Beziehung("AP_PTO_dientZurDarstellungVon#AX_Flurstueck", "T1", "F1", "AX_Flurstueck");
-    g.Flurstück("F2", "07256600100013______");
-    g.Zeile("AX_LagebezeichnungOhneHausnummer", {{"id", "O1"}, {"lagebezeichnung", "Im Wiesengrund"}});
-    g.Beziehung("AX_Flurstueck_zeigtAuf#ori_LagebezeichnungOhneHausnummer", "F2", "O1",
-                "ori_LagebezeichnungOhneHausnummer");
+    g.Laden("reorganisation_lagen.tab");
     g.Reorganisieren();
     EXPECT_EQ(g.Alkis("Lagebezeichnung, Straßenschlüssel, Rechtswert, Hochwert, id_AP_PTO",
                       "flurstueckskennzeichen"),

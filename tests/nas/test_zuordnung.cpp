@@ -7,6 +7,7 @@
 #include "core/cp1252.hpp"
 #include "core/datei.hpp"
 #include "core/datenbank.hpp"
+#include "core/text.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
 #include "nas/nas_protokoll.hpp"
@@ -27,8 +28,7 @@ namespace {
 const std::filesystem::path Konfig = std::filesystem::path(FLURIX_QUELLEN) / "config";
 const std::filesystem::path Daten = test::Testdaten() / "nas";
 
-/// An object database in a scratch folder (made with the settings of a NAS import: no journal),
-/// a protocol file beside it, and the UI port of tests.
+/// An object database as a NAS import makes it, a protocol file beside it, the UI port of tests.
 struct Umgebung {
     test::TempOrdner ordner;
     SkriptOberfläche ui;
@@ -38,18 +38,15 @@ struct Umgebung {
     Zuordnungsbericht Ausführen(const std::vector<std::string>& zeilen) {
         return ZuordnungAusführen(*db, zeilen, *protokoll, ui);
     }
-    /// The lines of the protocol file (UTF-8); closes the protocol.
     std::vector<std::string> Protokolldatei() {
         protokoll.reset();
         const std::string text = Cp1252NachUtf8(test::DateiLesen(ordner / "nas.xml.prn"));
         const auto zeilen = TextZeilen(text);
         return {zeilen.begin(), zeilen.end()};
     }
-    /// The lines the protocol showed in the window.
     std::vector<std::string> Fenster() const { return ui.Texte(Ereignis::Art::Protokoll); }
 };
 
-/// The first row of a query, its cells joined with "|".
 std::string Wert(Datenbank& db, const std::string& sql) {
     const auto zeilen = test::Abfragezeilen(db, sql);
     return zeilen.empty() ? "<keine Zeile>" : zeilen.front();
@@ -57,11 +54,6 @@ std::string Wert(Datenbank& db, const std::string& sql) {
 
 std::string Deklaration(Datenbank& db, std::string_view spalte) {
     return Wert(db, "SELECT type FROM pragma_table_info('Alkis') WHERE name = '" + std::string(spalte) + "'");
-}
-
-std::size_t Anzahl(const std::vector<std::string>& zeilen, std::string_view teil) {
-    return static_cast<std::size_t>(
-        std::count_if(zeilen.begin(), zeilen.end(), [&](const auto& z) { return z.find(teil) != std::string::npos; }));
 }
 
 /// A small Alkis with text columns a, b, c and two rows; with `schlüssel` a table constraint.
@@ -73,78 +65,50 @@ void KleineTabelle(Datenbank& db, bool schlüssel = false) {
 }
 
 TEST(ZuordnungBefehle, ZählungSpaltenInhaltUndMeldungJeZeilenfolge) {
-    struct Fall {
-        std::vector<std::string> zeilen;
-        std::int64_t ausgeführt, fehlgeschlagen;
-        std::vector<std::string> spalten; // of Alkis afterwards; empty: no table Alkis
-        std::string inhalt;               // its rows, cells joined with "|" (NULL as ""), rows with ";"
-        std::string fenster; // a text in one window line per failed line, at least in one
-        int protokollzeilen = -1;         // lines ", Zeile Zuordnung: " in the file (-1: any)
-        bool schlüssel = false;           // Alkis with a table constraint
-    };
-    const std::string alt = "a1|b1|c1;a2|b2|c2";
-    const std::vector<std::string> abc = {"a", "b", "c"}, neu = {"a", "b", "c", "neu"};
-    const Fall fälle[] = {
-        // ADD makes a text column where it is missing; another type word: the line is passed over.
-        {{"ADD neu dbText"}, 1, 0, neu, "a1|b1|c1|;a2|b2|c2|", ""},
-        {{"ADD neu dbMemo"}, 1, 0, neu, "a1|b1|c1|;a2|b2|c2|", ""},
-        {{"add neu dbtext"}, 1, 0, neu, "a1|b1|c1|;a2|b2|c2|", ""}, // command and type in any case
-        {{"ADD neu dbLong"}, 1, 0, abc, alt, ""},
-        {{"ADD neu dbDate"}, 1, 0, abc, alt, ""},
-        {{"ADD neu"}, 0, 1, abc, alt, ""},                    // no type word
-        {{"ADD"}, 0, 1, abc, alt, ""},                        // nothing at all
-        {{"ADD  neu dbText"}, 0, 1, abc, alt, ""},            // two blanks: the column name is empty
-        {{"ADDneu dbText"}, 0, 0, abc, alt, "", 0},           // no command: passed over, not logged
-        {{"ADD b dbText", "ADD B dbMemo"}, 2, 0, abc, alt, ""}, // an existing column: nothing
-        {{"ADD neu dbText"}, 0, 1, {}, "", ", Fehler Zeile Zuordnung: ADD neu dbText, die Tabelle \"Alkis\" fehlt"},
-        // CHG renames only where the old name is there and the new one is not; the values stay.
-        {{"CHG b Grundbuchblatt"}, 1, 0, {"a", "Grundbuchblatt", "c"}, alt, ""},
-        {{"CHG b c"}, 1, 0, abc, alt, ""},
-        {{"CHG b C"}, 1, 0, abc, alt, ""}, // names compare without regard to case
-        {{"CHG fehlt neu"}, 1, 0, abc, alt, ""},
-        {{"CHG b"}, 0, 1, abc, alt, ""}, // no new name
-        {{"CHG b Fläche-Neu"}, 1, 0, {"a", "Fläche-Neu", "c"}, alt, ""},
-        // DEL
-        {{"DEL gibtsnicht", "DEL b"}, 2, 0, {"a", "c"}, "a1|c1;a2|c2", ""},
-        {{"DEL", "DEL c"}, 1, 1, {"a", "b"}, "a1|b1;a2|b2", ", Fehler Zeile Zuordnung: DEL, Spaltenname fehlt"},
-        {{"DEL a", "DEL b", "DEL c"}, 2, 1, {"c"}, "c1;c2",
-         ", Fehler Zeile Zuordnung: DEL c, die Spalte \"c\" kann nicht gelöscht werden"},
-        {{"DEL a", "DEL b"}, 0, 2, {}, "", ""},
-        {{"DEL b", "DEL c"}, 2, 0, {"a"}, "a1;a2", ", Hinweis Zuordnung: Spalten werden einzeln gelöscht", -1, true},
-        // SQL: one statement a line; a line without one fails.
-        {{"SQL UPDATE Alkis SET a = 'eins'; UPDATE Alkis SET b = 'zwei'", "SQL UPDATE Alkis SET c = 'drei'"}, 1, 1,
-         abc, "a1|b1|drei;a2|b2|drei", ""},
-        {{"SQL", "SQL    "}, 0, 2, abc, alt, "die Zeile enthält keine SQL-Anweisung"},
-        {{"Hallo Welt", "SQLUPDATE Alkis SET a = 1", "XYZ a b", "SQL UPDATE Alkis SET a = 'ok'"}, 1, 0, abc,
-         "ok|b1|c1;ok|b2|c2", "", 1},
-    };
-    for (const auto& f : fälle) {
-        SCOPED_TRACE(::testing::PrintToString(f.zeilen));
+    const auto golden = Daten / "zuordnung_befehle.txt";
+    const std::string text = test::DateiLesen(golden);
+    std::string transkript;
+    std::vector<std::pair<std::string, std::vector<std::string>>> fälle;
+    for (const auto zeile : Teilen(text, '\n')) {
+        if (zeile.starts_with('#'))
+            transkript += std::string(zeile) + "\n";
+        else if (zeile.starts_with("%% "))
+            fälle.push_back({std::string(zeile), {}});
+        else if (zeile.starts_with("> "))
+            fälle.back().second.emplace_back(zeile.substr(2));
+    }
+    for (const auto& [kopf, zeilen] : fälle) {
         Umgebung u;
-        if (!f.spalten.empty())
-            KleineTabelle((*u.db), f.schlüssel);
-        const auto bericht = u.Ausführen(f.zeilen);
-        EXPECT_EQ(bericht.ausgeführt, f.ausgeführt);
-        EXPECT_EQ(bericht.fehlgeschlagen, f.fehlgeschlagen);
-        if (!f.spalten.empty()) {
-            EXPECT_EQ((*u.db).Spaltennamen("Alkis"), f.spalten);
-            std::string zeile;
-            for (const auto& s : f.spalten)
+        if (kopf.find("[ohne Tabelle]") == std::string::npos)
+            KleineTabelle(*u.db, kopf.find("[Schlüssel]") != std::string::npos);
+        const auto bericht = u.Ausführen(zeilen);
+        transkript += kopf + "\n";
+        for (const auto& zeile : zeilen)
+            transkript += "> " + zeile + "\n";
+        transkript += "  " + std::to_string(bericht.ausgeführt) + " ausgeführt, " +
+                      std::to_string(bericht.fehlgeschlagen) + " fehlgeschlagen\n";
+        if (DAO_TabelleVorhanden(*u.db, "Alkis")) {
+            std::string spalten, zeile;
+            for (const auto& s : u.db->Spaltennamen("Alkis")) {
+                spalten += (spalten.empty() ? "" : "|") + s;
                 zeile += (zeile.empty() ? "" : " || '|' || ") + ("ifnull(" + Bezeichner(s) + ", '')");
-            EXPECT_EQ(Wert((*u.db), "SELECT group_concat(z, ';') FROM (SELECT " + zeile +
-                                       " AS z FROM Alkis ORDER BY rowid)"),
-                      f.inhalt);
+            }
+            transkript += "  Spalten: " + spalten + "\n  Zeilen: " +
+                          Wert(*u.db, "SELECT group_concat(z, ';') FROM (SELECT " + zeile +
+                                          " AS z FROM Alkis ORDER BY rowid)") + "\n";
         }
-        if (!f.fenster.empty()) {
-            EXPECT_EQ(Anzahl(u.Fenster(), f.fenster),
-                      std::max<std::size_t>(1, static_cast<std::size_t>(f.fehlgeschlagen)));
-        }
-        if (f.protokollzeilen >= 0) {
-            EXPECT_EQ(Anzahl(u.Protokolldatei(), ", Zeile Zuordnung: "), static_cast<std::size_t>(f.protokollzeilen));
+        const auto ohneOrdner = [&u](const std::string& zeile) {
+            return Ersetzen(zeile.substr(8), u.ordner.pfad().string(), "<ordner>") + "\n";
+        };
+        for (const auto& zeile : u.Fenster())
+            transkript += "  Fenster: " + ohneOrdner(zeile);
+        for (const auto& zeile : u.Protokolldatei()) {
+            EXPECT_TRUE(zeile.size() > 10 && zeile[2] == ':' && zeile[5] == ':') << zeile;
+            transkript += "  Protokoll: " + ohneOrdner(zeile);
         }
     }
-    // A column made by ADD, or left by single deletes in a table with a constraint, is text that
-    // compares without regard to case.
+    EXPECT_EQ(test::GoldenVergleich(transkript, golden), "");
+    // Columns made by ADD or left by single deletes compare without regard to case.
     for (const bool schlüssel : {false, true}) {
         Umgebung u;
         KleineTabelle((*u.db), schlüssel);
@@ -157,40 +121,6 @@ TEST(ZuordnungBefehle, ZählungSpaltenInhaltUndMeldungJeZeilenfolge) {
                                         : "SELECT count(*) FROM Alkis WHERE neu = 'MONZEL'"),
                   schlüssel ? "1" : "2");
     }
-}
-
-TEST(ZuordnungSql, FehlerWirdGezähltGemeldetUndDieNächsteZeileLäuft) {
-    Umgebung u;
-    KleineTabelle((*u.db));
-    const std::vector<std::string> zeilen = {
-        "SQL UPDATE Alkis SET a = \"x\" & b",
-        "SQL UPDATE Alkis SET gibtsnicht = 1",
-        "SQL UPDATE Alkis SET c = Trim(\"  neu  \")",
-        "ADD d dbText",
-    };
-    const auto bericht = u.Ausführen(zeilen);
-    EXPECT_EQ(bericht.ausgeführt, 3);
-    EXPECT_EQ(bericht.fehlgeschlagen, 1);
-    EXPECT_EQ(Wert((*u.db), "SELECT a FROM Alkis WHERE b = 'b1'"), "xb1");
-    EXPECT_EQ(Wert((*u.db), "SELECT count(*) FROM Alkis WHERE c = 'neu'"), "2");
-    EXPECT_TRUE(DAO_FeldVorhanden((*u.db), "Alkis", "d"));
-
-    // The window shows the failure only, with the line and SQLite's reason.
-    const auto fenster = u.Fenster();
-    ASSERT_EQ(fenster.size(), 1U);
-    EXPECT_NE(fenster[0].find(", Fehler Zeile Zuordnung: SQL UPDATE Alkis SET gibtsnicht = 1, SQL-Anweisung "
-                              "nicht ausgeführt: "),
-              std::string::npos)
-        << fenster[0];
-    EXPECT_NE(fenster[0].find("no such column: gibtsnicht"), std::string::npos) << fenster[0];
-
-    // The file lists every line that ran, the failing one too, with the time in front.
-    const auto datei = u.Protokolldatei();
-    for (const auto& zeile : zeilen)
-        EXPECT_EQ(Anzahl(datei, ", Zeile Zuordnung: " + zeile), 1U) << zeile;
-    EXPECT_EQ(Anzahl(datei, ", Fehler Zeile Zuordnung: "), 1U);
-    for (const auto& zeile : datei)
-        EXPECT_TRUE(zeile.size() > 10 && zeile[2] == ':' && zeile[5] == ':') << zeile;
 }
 
 TEST(ZuordnungSql, StatuszeileAlleZehnZeilen) {
@@ -228,12 +158,10 @@ TEST(ZuordnungDelBlock, BehältDatenReihenfolgeTypenUndIndizes) {
     EXPECT_EQ(Deklaration(db, "Zahl"), "REAL");
     EXPECT_EQ(Deklaration(db, "Nummer"), "INTEGER");
     EXPECT_EQ(Deklaration(db, "Gemarkung"), "TEXT");
-    // The rows under their rowids, the values with their storage classes.
     EXPECT_EQ(Wert(db, "SELECT group_concat(z, ';') FROM (SELECT rowid || ' ' || typeof(Zahl) || ' ' || "
                        "ifnull(Zahl, '') || ' ' || typeof(Nummer) || ' ' || ifnull(Nummer, '') || ' ' || "
                        "ifnull(Fläche, 'NULL') AS z FROM Alkis ORDER BY rowid)"),
               "1 real 1.5 integer 7 49171.00;3 real 2.25 integer 9 NULL;4 real 0.0 integer 0 ");
-    // Text still compares without regard to case, and through its index.
     EXPECT_EQ(Wert(db, "SELECT count(*) FROM Alkis WHERE Gemarkung = 'MONZEL'"), "2");
     EXPECT_EQ(Wert(db, "SELECT group_concat(Gemarkung, ',') FROM (SELECT Gemarkung FROM Alkis ORDER BY Gemarkung)"),
               "Monzel,monzel,Osann");
@@ -242,7 +170,6 @@ TEST(ZuordnungDelBlock, BehältDatenReihenfolgeTypenUndIndizes) {
               "Alkis_Gemarkung");
     EXPECT_FALSE(DAO_TabelleVorhanden(db, "Alkis_Zuordnung_Neubau"));
 
-    // In an open transaction of the caller the block runs inside it.
     Umgebung offen;
     KleineTabelle((*offen.db));
     (*offen.db).AusführenNativ("BEGIN");
@@ -260,7 +187,6 @@ TEST(ZuordnungPunktliste, AlsSqlFunktion) {
     db.AusführenNativ("INSERT INTO Alkis VALUES ('1 2 1 2 3 4', NULL), (NULL, NULL), ('', NULL)");
     EXPECT_EQ(u.Ausführen({"SQL UPDATE Alkis SET u = PUNKTLISTE([gml:exterior])"}).fehlgeschlagen, 0);
     EXPECT_EQ(Wert(db, "SELECT group_concat(ifnull(u, 'NULL'), ',') FROM Alkis"), "1 2;3 4,NULL,");
-    // The function is there without the script's help too.
     Datenbank andere(":memory:");
     ZuordnungsfunktionenRegistrieren(andere);
     EXPECT_EQ(Wert(andere, "SELECT PUNKTLISTE('5 6 7 8;1 1 2 2 1 1')"), "5 6;7 8|1 1;2 2;1 1");
@@ -271,9 +197,6 @@ TEST(ZuordnungSkript, MitgelieferteDateiErgibtDieFlurixTabelleUndDieImportvorlag
     ASSERT_TRUE(DateiVorhanden(datei)) << datei;
     const auto zeilen = ZuordnungLesen(DateitextNachUtf8(DateiKomplettLesen(datei)));
     ASSERT_FALSE(zeilen.empty());
-    // Alkis as the reorganisation makes it: one parcel with two owners, a second parcel in another
-    // district, with a hole, booked with a four-digit BVNR, owned by a community of heirs without
-    // a person; and the office tables the Katasteramt comes from.
     Umgebung u;
     auto& db = (*u.db);
     test::TabellenAnlegen(db, Daten / "alkis_reorganisiert.tab");
@@ -281,19 +204,15 @@ TEST(ZuordnungSkript, MitgelieferteDateiErgibtDieFlurixTabelleUndDieImportvorlag
     EXPECT_EQ(bericht.fehlgeschlagen, 0);
     EXPECT_EQ(bericht.ausgeführt, static_cast<std::int64_t>(zeilen.size()));
     EXPECT_TRUE(u.Fenster().empty()) << u.Fenster().front();
-    // Every column of the result in its order, every cell of the three rows: the columns named,
-    // computed and renamed by the script, those left empty for "Daten ordnen", no raw column of
-    // the reorganisation.
     EXPECT_EQ(test::GoldenVergleich(test::ZellenText(db, "SELECT Flurstückskennzeichen || '/' || Namensnummer, * "
                                                          "FROM Alkis ORDER BY rowid"),
                                     Daten / "alkis_zugeordnet.txt"),
               "");
-    // Text columns still compare without regard to case after the new build of the table.
     EXPECT_EQ(Wert(db, "SELECT count(*) FROM Alkis WHERE Gemarkung = 'MONZEL'"), "2");
     EXPECT_EQ(Wert(db, "SELECT count(*) FROM Alkis WHERE Ort = 'musterdorf' AND BVNR = '0005'"), "2");
     EXPECT_FALSE(DAO_TabelleVorhanden(db, "Alkis_Zuordnung_Neubau"));
 
-    // Every UPDATE rewrites every row: the script has one, and its DEL lines stand in one block.
+    // One UPDATE (each rewrites every row), and the DEL lines in one block.
     const auto del = [](const std::string& z) { return z.starts_with("DEL "); };
     const auto update = [](const std::string& z) { return z.starts_with("SQL UPDATE"); };
     EXPECT_EQ(std::count_if(zeilen.begin(), zeilen.end(), update), 1);
@@ -302,7 +221,6 @@ TEST(ZuordnungSkript, MitgelieferteDateiErgibtDieFlurixTabelleUndDieImportvorlag
     EXPECT_GT(nachBlock - erste, 50);
     EXPECT_EQ(std::find_if(nachBlock, zeilen.end(), del), zeilen.end()) << "die DEL-Zeilen stehen nicht in einem Block";
 
-    // The import template names columns of the result only, each once, the important ones too.
     const auto spalten = db.Spaltennamen("Alkis");
     const std::string vorlage = DateitextNachUtf8(DateiKomplettLesen(Konfig / "ALB_ALKISImport.dat"));
     std::set<std::string> gesehen;

@@ -1,25 +1,7 @@
-// The whole NAS import — scan into the object database, compilation into Alkis, transfer into the
-// cadastre table — measured against GDAL's NAS reader on the real test district: the object
-// database holds as many features per class as ogrinfo counts, and from GDAL's objects and
-// relations follows what the table must hold for every parcel:
-//  * Rows. The parcel's booking B (istGebucht) and the bookings A1..Ak attached to it ("an" points
-//    to B): B alone when k = 0, B and A1 when k = 1, A1..Ak without B when k >= 2; then each
-//    booking lying "zu" B. Each gives one row per AX_Namensnummer of its sheet, at least one.
-//  * Owners. Per booking in the order of laufendeNummerNachDIN1421, numbered by the register
-//    extract with the number's first three levels; Name "nachnameOderFirma, vorname" (the name
-//    alone without a first name); Grundbuchblatt the sheet's number.
-//  * Addresses "strasse hausnummer" and "postleitzahlPostzustellung ort_Post"; Fläche the
-//    amtlicheFlaeche, as a number.
-//  * Location. "street house numbers" parts joined by "; ": the locations with house number
-//    (weistAuf), where there are none those without (zeigtAuf); a keyed location named by the
-//    catalogue entry of its land, regierungsbezirk, kreis, gemeinde and lage, a key without entry
-//    a part of its own beginning with the key's digits.
-//  * Key. Flurstückskennzeichen is GDAL's key with "0" for the file's "_", FKZ-Original the file's
-//    form; Gemarkung the name of the AX_Gemarkung of land and gemarkungsnummer, Flur three digits,
-//    Flurstück "zaehler/nenner" in five and four digits ("/0000" without nenner).
-// GDAL reads every field as the file's text (GML_FIELDTYPES=ALWAYS_STRING: else "00000" would be
-// 0); a field met twice in a feature keeps its last value, so relations come from GDAL's relation
-// layer. The import and GDAL's reading run once per test process, side by side.
+// The whole NAS import (scan, compilation, transfer into the cadastre table) measured against GDAL's
+// NAS reader on the real district: features per class, and per parcel the rows, owners in register
+// order, addresses, area, location and keys that follow from GDAL's objects and relations. GDAL
+// reads every field as text (GML_FIELDTYPES=ALWAYS_STRING) and relations from its relation layer.
 
 #include "nas/nas_direkt.hpp"
 
@@ -35,7 +17,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <exception>
 #include <functional>
@@ -46,7 +27,6 @@
 #include <span>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <vector>
 
 namespace flurix::nas {
@@ -56,8 +36,6 @@ using test::TestBezirk;
 
 const std::filesystem::path Konfig = std::filesystem::path(FLURIX_QUELLEN) / "config";
 
-// --- small text helpers -------------------------------------------------------------------------
-
 std::string Trimmen(std::string_view text) {
     const auto anfang = text.find_first_not_of(" \t\r\n");
     if (anfang == std::string_view::npos)
@@ -65,7 +43,6 @@ std::string Trimmen(std::string_view text) {
     return std::string(text.substr(anfang, text.find_last_not_of(" \t\r\n") - anfang + 1));
 }
 
-// Two texts joined by a space, the whole trimmed (either may be empty).
 std::string MitLeerzeichen(std::string_view a, std::string_view b) { return Trimmen(Trimmen(a) + " " + Trimmen(b)); }
 
 // A key part without its leading zeros: "07" and "7", "00104" and "104" are the same key.
@@ -75,9 +52,7 @@ std::string OhneNullen(std::string_view text) {
     return erste == std::string::npos ? std::string() : t.substr(erste);
 }
 
-bool BeginntMitZiffer(std::string_view text) {
-    return !text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) != 0;
-}
+bool BeginntMitZiffer(std::string_view t) { return !t.empty() && t[0] >= '0' && t[0] <= '9'; }
 
 template <typename T> std::optional<T> Zahl(std::string_view text) {
     const std::string t = Trimmen(text);
@@ -108,28 +83,14 @@ std::vector<std::string> Teilen(std::string_view text, std::string_view trenner)
     }
 }
 
-template <typename Menge> std::string Liste(const Menge& menge) {
-    std::string aus = "{";
-    for (const auto& eintrag : menge) {
-        if (aus.size() > 1)
-            aus += " | ";
-        if constexpr (std::is_same_v<std::decay_t<decltype(eintrag)>, std::string>)
-            aus += eintrag;
-        else
-            aus += eintrag.first + " / " + eintrag.second;
-    }
-    return aus + "}";
-}
+template <typename T> std::string Text(const T& wert) { return ::testing::PrintToString(wert); }
 
-// One feature: its fields by name, as GDAL writes them ("" for none).
 using Merkmale = std::map<std::string, std::string>;
 
 std::string Feld(const Merkmale& m, const std::string& name) {
     const auto treffer = m.find(name);
     return treffer == m.end() ? std::string() : treffer->second;
 }
-
-// --- what GDAL reads ----------------------------------------------------------------------------
 
 // The relation layer: by kind, the ids each id refers to, or that refer to it.
 using Verweise = std::map<std::string, std::map<std::string, std::vector<std::string>>>;
@@ -150,8 +111,7 @@ struct GdalBezirk {
         const auto treffer = objekte.find(id);
         return treffer == objekte.end() ? nullptr : &treffer->second;
     }
-    // The ids `id` refers to (`vorwärtsGerichtet`) or that refer to it, by relations of kind
-    // `art`; with `ebene` only those that are objects of that layer.
+    // The ids `id` refers to (or that refer to it) by relations `art`; only objects of `ebene`.
     std::vector<std::string> Bezogen(bool vorwärtsGerichtet, const std::string& art, const std::string& id,
                                      const std::string& ebene = {}) const {
         std::vector<std::string> ids;
@@ -209,20 +169,16 @@ GdalBezirk GdalLesen() {
     return g;
 }
 
-// --- what the table must hold, per parcel -------------------------------------------------------
-
 using Paare = std::set<std::pair<std::string, std::string>>;
 
-// The location of a parcel: the street names, the pairs (street, house number; "" for a location
-// without), and the keys the catalogue has no name for.
+// A parcel's location: street names, (street, house number) pairs, keys without catalogue entry.
 struct Lage {
     std::set<std::string> straßen;
     Paare hausnummern;
     std::set<std::string> unbenannt;
 };
 
-// The owners of one booking in the order of the register: the owner number as the register
-// extract prints it, and the name.
+// The owners of one booking in register order: (owner number as the extract prints it, name).
 using Eigentümerfolge = std::vector<std::pair<std::string, std::string>>;
 
 // The first three levels of a number after DIN 1421 ("0001.02.00.00.00" gives "1.2.0").
@@ -255,8 +211,6 @@ std::string Lageschlüssel(const Merkmale& m) {
     return schlüssel;
 }
 
-// One location object into the parcel's location: its plain text, or its key looked up in the
-// catalogue (street name by key without leading zeros).
 void LageHinzufügen(Lage& lage, const Merkmale& m, const std::map<std::string, std::string>& katalog,
                     bool mitNummer) {
     std::string name = Trimmen(Feld(m, "unverschluesselt"));
@@ -289,7 +243,6 @@ Erwartung ErwartungBilden(const GdalBezirk& g, const Merkmale& f, const std::map
     const std::string nenner = Trimmen(Feld(f, "nenner"));
     e.flurstück = Stellen(Feld(f, "zaehler"), 5) + "/" + (nenner.empty() ? "0000" : Stellen(nenner, 4));
 
-    // The bookings that give rows.
     std::vector<std::string> buchungen;
     const auto gebucht = g.Bezogen(true, "istGebucht", id);
     if (gebucht.size() != 1)
@@ -312,8 +265,6 @@ Erwartung ErwartungBilden(const GdalBezirk& g, const Merkmale& f, const std::map
         const auto blätter = g.Bezogen(true, "istBestandteilVon", buchung, "AX_Buchungsblatt");
         if (blätter.size() != 1)
             e.hinweis += " Buchung " + buchung + " in " + std::to_string(blätter.size()) + " Blättern;";
-        // The owners of the sheet by DIN number; a booking without owners still gives its row,
-        // with the number of an empty name number.
         std::vector<std::pair<std::string, std::pair<std::string, std::string>>> folge;
         std::string blattnummer;
         if (!blätter.empty()) {
@@ -347,7 +298,6 @@ Erwartung ErwartungBilden(const GdalBezirk& g, const Merkmale& f, const std::map
         e.zeilen += std::max<std::size_t>(folge.size(), 1);
     }
 
-    // The location: with house numbers, or where there are none without.
     const auto mitNummer = g.Bezogen(true, "weistAuf", id, "AX_LagebezeichnungMitHausnummer");
     for (const auto& l : mitNummer)
         LageHinzufügen(e.lage, *g.Objekt("AX_LagebezeichnungMitHausnummer", l), katalog, true);
@@ -372,10 +322,7 @@ std::map<std::string, Erwartung> ErwartungenBilden(const GdalBezirk& g) {
     return erwartungen;
 }
 
-// One cell of Lagebezeichnung read with the street names the parcel should have: each part is a
-// known name alone or followed by its house numbers (", " between them); a part that matches no
-// known name is cut before its first word that begins with a digit; a part that begins with a
-// digit is a key without a name.
+// A Lagebezeichnung cell split into parts "name [numbers]" by the names the parcel should have.
 Lage LageLesen(std::string_view zelle, const std::set<std::string>& bekannt) {
     Lage lage;
     for (const auto& roh : Teilen(zelle, "; ")) {
@@ -413,8 +360,6 @@ Lage LageLesen(std::string_view zelle, const std::set<std::string>& bekannt) {
     return lage;
 }
 
-// --- the import and the fixture -----------------------------------------------------------------
-
 struct Befund {
     std::string fehlt;
     std::string fehler;
@@ -433,7 +378,6 @@ std::unique_ptr<Befund> BefundErheben() {
     b->fehler = TestBezirk().fehler;
     if (!b->fehlt.empty() || !b->fehler.empty())
         return b;
-    // GDAL reads while we import: both read the whole file, each on a core of its own.
     std::thread gdal([&b] { b->gdal = GdalLesen(); });
     try {
         test::TempOrdner ordner;
@@ -442,13 +386,12 @@ std::unique_ptr<Befund> BefundErheben() {
         auftrag.datenbank = ordner / "bezirk.sqlite";
         auftrag.konfigOrdner = Konfig;
         auftrag.ansichtsdatei = Konfig / "ALB_DatenbankSpalten.dat";
-        // No protocol beside the district: other test programs read the same file.
         auftrag.optionen.protokollNichtSchreiben = true;
         SkriptOberfläche ui;
         NasDirektBericht bericht;
         b->ergebnis = NasDirektImport(auftrag, b->kataster, ui, bericht);
         b->meldungen = ui.Meldungen();
-        if (b->ergebnis) // the object database the import left
+        if (b->ergebnis)
             b->klassen = test::KlassenDerDatenbank(*DAO_DatenbankÖffnen(auftrag.datenbank));
     } catch (const std::exception& e) {
         b->ergebnis = Ergebnis::Fehlschlag(std::string("Ausnahme: ") + e.what());
@@ -477,7 +420,7 @@ protected:
             GTEST_SKIP() << s_befund->fehlt;
         ASSERT_EQ(s_befund->fehler + s_befund->gdal.fehler, "");
         ASSERT_TRUE(s_befund->ergebnis)
-            << s_befund->ergebnis.Meldung() << ::testing::PrintToString(s_befund->meldungen);
+            << s_befund->ergebnis.Meldung() << Text(s_befund->meldungen);
         ASSERT_TRUE(s_befund->gdal.klassen.nas) << "GDAL hat die Datei nicht als NAS gelesen";
         ASSERT_GT(s_befund->gdal.ebenen.at("AX_Flurstueck").size(), 0u);
         ASSERT_GT(s_befund->gdal.beziehungen, 0u) << "GDAL liefert keine Beziehungen";
@@ -492,7 +435,6 @@ protected:
         return std::string(Tabelle().Zelle(zeile, spalte));
     }
 
-    // Each parcel: `prüfen` says what differs ("" for nothing); the first differences are shown.
     static void Vergleichen(std::string_view was, const std::function<std::string(const Erwartung&)>& prüfen) {
         std::size_t abweichungen = 0;
         std::string erste;
@@ -508,7 +450,6 @@ protected:
 };
 
 TEST_F(ZusammenstellungGdal, ObjekteJeKlasseWieGdalSieZählt) {
-    // Every class of the node file: as many rows as GDAL finds features (none where GDAL lists none).
     const auto& gdal = s_befund->gdal.klassen.anzahl;
     int verglichen = 0;
     for (const auto& klasse : KnotenLesen(Konfig / "ALKIS_Knoten.dat").klassen) {
@@ -533,7 +474,6 @@ TEST_F(ZusammenstellungGdal, EineZeileJeFlurstückBuchungUndEigentümer) {
         return std::to_string(Zeilen(e).size()) + " Zeilen statt " + std::to_string(e.zeilen) + " (" +
                std::to_string(e.angehängt) + " angehängte Buchungen)";
     });
-    // Every parcel GDAL reads is in the table, and no other; no rows beside them.
     std::size_t erwartet = 0;
     std::set<std::string> nachGdal, inTabelle;
     for (const auto& [schlüssel, e] : s_befund->erwartungen) {
@@ -547,10 +487,6 @@ TEST_F(ZusammenstellungGdal, EineZeileJeFlurstückBuchungUndEigentümer) {
     EXPECT_EQ(inTabelle, nachGdal);
 }
 
-// Every parcel: the owners of each of its bookings in the number and order of the register, each
-// numbered by the register extract as the register numbers it. Its rows grouped by sheet and
-// booking number hold the owners' names: this also checks the sheet of every row and the owners
-// of every parcel as a multiset.
 TEST_F(ZusammenstellungGdal, EigentümerJeBuchungInZahlUndReihenfolgeDesRegisters) {
     std::size_t eigentümer = 0;
     Vergleichen("Eigentümer anders als im Register", [&eigentümer](const Erwartung& e) {
@@ -567,12 +503,12 @@ TEST_F(ZusammenstellungGdal, EigentümerJeBuchungInZahlUndReihenfolgeDesRegister
             eigentümer += folge.size();
             const auto ist = gelesen.find(buchung);
             if (ist == gelesen.end() || ist->second != folge)
-                text += " Blatt|BVNR " + buchung + ": " + Liste(folge) + " statt " +
-                        (ist == gelesen.end() ? std::string("keiner Zeile") : Liste(ist->second)) + ";";
+                text += " Blatt|BVNR " + buchung + ": " + Text(folge) + " statt " +
+                        (ist == gelesen.end() ? std::string("keiner Zeile") : Text(ist->second)) + ";";
         }
         for (const auto& [buchung, folge] : gelesen)
             if (!e.eigentümerJeBuchung.contains(buchung))
-                text += " Zeilen für Blatt|BVNR " + buchung + " zu viel: " + Liste(folge) + ";";
+                text += " Zeilen für Blatt|BVNR " + buchung + " zu viel: " + Text(folge) + ";";
         return text;
     });
     EXPECT_GT(eigentümer, 6000u);
@@ -586,7 +522,7 @@ TEST_F(ZusammenstellungGdal, AnschriftenFlächeLageUndKennzeichenWieGdal) {
             if (!Zelle(z, "Straße").empty() || !Zelle(z, "Ort").empty())
                 gelesen.emplace(Zelle(z, "Straße"), Zelle(z, "Ort"));
         anschriften += e.anschriften.size();
-        return gelesen == e.anschriften ? std::string() : Liste(e.anschriften) + " statt " + Liste(gelesen);
+        return gelesen == e.anschriften ? std::string() : Text(e.anschriften) + " statt " + Text(gelesen);
     });
     EXPECT_GT(anschriften, 300u);
 
@@ -609,13 +545,13 @@ TEST_F(ZusammenstellungGdal, AnschriftenFlächeLageUndKennzeichenWieGdal) {
             const Lage gelesen = LageLesen(zelle, e.lage.straßen);
             std::string fehler;
             if (gelesen.straßen != e.lage.straßen)
-                fehler += " Straßen " + Liste(gelesen.straßen) + " statt " + Liste(e.lage.straßen) + ";";
+                fehler += " Straßen " + Text(gelesen.straßen) + " statt " + Text(e.lage.straßen) + ";";
             else if (gelesen.hausnummern != e.lage.hausnummern)
-                fehler += " Hausnummern " + Liste(gelesen.hausnummern) + " statt " + Liste(e.lage.hausnummern) + ";";
+                fehler += " Hausnummern " + Text(gelesen.hausnummern) + " statt " + Text(e.lage.hausnummern) + ";";
             if (gelesen.unbenannt.size() != e.lage.unbenannt.size())
                 fehler += " " + std::to_string(gelesen.unbenannt.size()) + " Teile ohne Straßennamen statt " +
                           std::to_string(e.lage.unbenannt.size()) + " Schlüssel ohne Katalogeintrag " +
-                          Liste(e.lage.unbenannt) + ";";
+                          Text(e.lage.unbenannt) + ";";
             if (!fehler.empty())
                 return "\"" + zelle + "\":" + fehler;
         }
