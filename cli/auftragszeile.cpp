@@ -1,7 +1,9 @@
 #include "cli/befehle.hpp"
 
 #include "cli/sitzung.hpp"
-#include "import/datenladen.hpp"
+#include "core/benutzereinstellungen.hpp"
+#include "core/kataster.hpp"
+#include "nas/nas_lauf.hpp"
 
 #include <cstdlib>
 #include <ostream>
@@ -45,6 +47,30 @@ int OberflächeStarten(const std::vector<std::string>& argumente, std::ostream& 
     return 1;
 }
 
+/// "<file>.xml /ggout /still" and its siblings: the NAS run with its output beside the input, with
+/// the options the NAS window keeps, without a display and without a question.
+int NasStapel(Sitzung& sitzung) {
+    const Auftrag& auftrag = sitzung.zustand.auftrag;
+    nas::NasLaufauftrag lauf;
+    lauf.datei = auftrag.AuftragsDatei;
+    lauf.direktImport = false;
+    lauf.ausgabe = auftrag.AusgabeDXF ? nas::NasAusgabe::Dxf : nas::NasAusgabe::Geograf;
+    lauf.textSchraffur = auftrag.AusgabeTxtSch;
+    lauf.still = true;
+    Ergebnis ergebnis;
+    {
+        nas::NasArbeitsbereich bereich(sitzung.zustand, sitzung.ui);
+        bereich.interaktiv = false;
+        bereich.optionen = nas::NasOptionen::AusText(
+            Benutzereinstellungen(Benutzereinstellungen::StandardOrdner())
+                .Lesen(nas::NasOptionenAnwendung, nas::NasOptionenAbschnitt, nas::NasOptionenSchlüssel));
+        Kataster kataster;
+        nas::NasLaufbericht bericht;
+        ergebnis = nas::NasLauf(bereich, lauf, [&](const auto& änderung) { return änderung(kataster); }, bericht);
+    }
+    return sitzung.Beenden(ergebnis ? 0 : 1);
+}
+
 } // namespace
 
 int Auftragszeile(const std::vector<std::string>& argumente, std::ostream&, std::ostream& fehler,
@@ -61,10 +87,7 @@ int Auftragszeile(const std::vector<std::string>& argumente, std::ostream&, std:
     case Startart::Karte:
         return starten();
     case Startart::NasStapel:
-        // The unattended run ends by itself, without a question.
-        sitzung.ui.Meldung(import::NochNichtVerfügbar("Der unbeaufsichtigte NAS-Lauf"),
-                           ProduktTitel, Stil::Information);
-        return sitzung.Beenden(1);
+        return NasStapel(sitzung);
     case Startart::Interaktiv:
         // An unknown type has been reported; a plain start without a job is the desktop program.
         return sitzung.zustand.auftrag.Kommandozeile.empty() ? starten() : sitzung.Beenden(1);

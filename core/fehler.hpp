@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace flurix {
@@ -41,5 +42,10 @@ private:
     Status m_status = Status::Fehler;
     std::string m_meldung;
 };
+
+/// The message for a part this version does not have yet.
+inline std::string NochNichtVerfügbar(std::string_view was) {
+    return std::string(was) + " ist in dieser Version von Flurix noch nicht verfügbar!   ";
+}
 
 } // namespace flurix

@@ -74,14 +74,19 @@ Auftrag KommandozeileLesen(std::string_view zeile, Oberfläche& ui) {
     if (text.empty())
         return auftrag;
 
+    // Everything before the last dot names the job; with a dot in a folder name the first piece
+    // alone would name another file. The switches of the batch forms stand behind the dot, so the
+    // job's folder is looked for before it: "/ggout" is no folder.
+    const std::string jobOhneTyp = text.substr(0, klein.rfind('.'));
+
     // A job must be given with its path.
-    const auto letzterTrenner = text.rfind('/');
+    const auto letzterTrenner = jobOhneTyp.rfind('/');
     if (letzterTrenner == std::string::npos) {
         ui.Meldung("Fehlerhafte Auftragspfadbeschreibung! Abbruch!   ", ProduktTitel, Stil::Fehler);
         auftrag.art = Startart::Beenden;
         return auftrag;
     }
-    auftrag.AuftragsPfad = text.substr(0, letzterTrenner + 1);
+    auftrag.AuftragsPfad = jobOhneTyp.substr(0, letzterTrenner + 1);
 
     const auto stücke = Teilen(klein, '.');
     if (stücke.size() > 2)
@@ -89,9 +94,6 @@ Auftrag KommandozeileLesen(std::string_view zeile, Oberfläche& ui) {
                        "xml ist nicht eineindeutig!   ",
                    "Flurix: Dateiname", Stil::Warnung);
     const std::string_view letztes = stücke.back();
-    // Everything before the last dot names the job; with a dot in a folder name the first piece
-    // alone would name another file.
-    const std::string jobOhneTyp = text.substr(0, klein.rfind('.'));
 
     for (const auto& form : Stapelformen) {
         if (stücke.size() > 1 && letztes == form.text) {

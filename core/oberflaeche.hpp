@@ -52,6 +52,12 @@ public:
     virtual bool AbbruchGewünscht() = 0;
     /// One line of the NAS protocol.
     virtual void Protokoll(std::string_view zeile) = 0;
+    /// A notice that closes itself after `sekunden`, so that an unattended run never waits on it.
+    /// A face without such a box shows it as a plain message (a line on stderr in a batch run).
+    virtual void Hinweis(std::string_view text, std::string_view titel, int sekunden) {
+        static_cast<void>(sekunden);
+        Meldung(text, titel, Stil::Information);
+    }
 };
 
 } // namespace flurix

@@ -35,6 +35,14 @@ public:
     void Protokoll(std::string_view zeile) override;
 
     void Antworten(std::deque<Antwort> antworten) { m_antworten = std::move(antworten); }
+    /// Forgets what was recorded and takes new answers: one face for several steps of a test.
+    void Neu(std::deque<Antwort> antworten = {}) {
+        m_antworten = std::move(antworten);
+        m_ereignisse.clear();
+        m_stile.clear();
+        m_fortschritt = -1;
+        m_abbruch = false;
+    }
     void Abbrechen() { m_abbruch = true; }
 
     const std::vector<Ereignis>& Ereignisse() const { return m_ereignisse; }

@@ -124,7 +124,7 @@ private:
 /// gives "_". Never fails.
 std::string ElementName(std::string_view schlüssel);
 
-/// The Excel workbook (.xlsx) through libxlsxwriter: one sheet "ALB-Daten", the captions in the
+/// The Excel workbook (.xlsx) through libxlsxwriter: one sheet (the main table's "ALB-Daten"), the captions in the
 /// first row (bold), every column formatted as text ("@") and every cell written as a string, so
 /// that "00231" stays "00231". A cell longer than Excel's 32767 characters is cut there. Rows are
 /// written in constant-memory mode; the library's scratch files go to `arbeitsordner`.
@@ -132,7 +132,8 @@ class XlsxSchreiber final : public Tabellenschreiber {
 public:
     /// Throws Fehler when the workbook can't be started or more columns are given than a sheet has.
     XlsxSchreiber(const std::filesystem::path& datei, std::span<const Ausgabespalte> spalten,
-                  const std::filesystem::path& arbeitsordner);
+                  const std::filesystem::path& arbeitsordner,
+                  const std::string& blattname = "ALB-Daten");
     ~XlsxSchreiber() override;
     /// Throws Fehler past Excel's last row (1,048,576 with the captions).
     void Zeile(std::span<const std::string_view> zellen) override;

@@ -83,7 +83,7 @@ struct XlsxSchreiber::Zustand {
 
 XlsxSchreiber::XlsxSchreiber(const std::filesystem::path& datei,
                              std::span<const Ausgabespalte> spalten,
-                             const std::filesystem::path& arbeitsordner)
+                             const std::filesystem::path& arbeitsordner, const std::string& blattname)
     : m_zustand(std::make_unique<Zustand>()) {
     Zustand& z = *m_zustand;
     z.datei = datei;
@@ -100,7 +100,7 @@ XlsxSchreiber::XlsxSchreiber(const std::filesystem::path& datei,
     z.buch = workbook_new_opt(datei.c_str(), &optionen);
     if (z.buch == nullptr)
         z.Fehlschlag(LXW_ERROR_MEMORY_MALLOC_FAILED);
-    z.blatt = workbook_add_worksheet(z.buch, "ALB-Daten");
+    z.blatt = workbook_add_worksheet(z.buch, blattname.c_str());
     z.text = workbook_add_format(z.buch);
     lxw_format* kopf = workbook_add_format(z.buch);
     if (z.blatt == nullptr || z.text == nullptr || kopf == nullptr)

@@ -285,13 +285,13 @@ void FormDatenbank::DateiLadenZeitgeber() {
 }
 
 void FormDatenbank::NasStapelZeitgeber() {
-    m_ui.Meldung(import::NochNichtVerfügbar("Der NAS-Arbeitsbereich"), ProduktTitel,
+    m_ui.Meldung(NochNichtVerfügbar("Der NAS-Arbeitsbereich"), ProduktTitel,
                  Stil::Information);
     TimerEnd(1);
 }
 
 void FormDatenbank::KarteZeitgeber() {
-    m_ui.Meldung(import::NochNichtVerfügbar("Das Kartenfenster"), ProduktTitel, Stil::Information);
+    m_ui.Meldung(NochNichtVerfügbar("Das Kartenfenster"), ProduktTitel, Stil::Information);
     // Closing the map ends the program without a question.
     TimerEnd(1);
 }

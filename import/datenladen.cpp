@@ -190,10 +190,6 @@ bool IstNasKopf(std::string_view kopf) {
     return IstInText(kopf, "AX_Bestandsdatenauszug,AX_Person");
 }
 
-std::string NochNichtVerfügbar(std::string_view was) {
-    return std::string(was) + " ist in dieser Version von Flurix noch nicht verfügbar!   ";
-}
-
 Ergebnis ALBDatenLaden(const Ladeauftrag& auftrag, Ladeumgebung& umgebung, Oberfläche& ui) {
     try {
         return Verteilen(auftrag, umgebung, ui);

@@ -99,7 +99,5 @@ std::string WldgeFormatLesen(std::string_view kopf);
 /// True when the first 500 lines show a NAS file ("AX_Bestandsdatenauszug" or "AX_Person").
 bool IstNasKopf(std::string_view kopf);
 
-/// The message for a reader this version does not have yet.
-std::string NochNichtVerfügbar(std::string_view was);
 
 } // namespace flurix::import

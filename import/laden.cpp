@@ -63,6 +63,11 @@ public:
     }
     const ImportOptionen& Optionen() const { return m_umgebung.optionen; }
 
+    Ladeergebnis Füllen(const std::function<Ergebnis(Kataster&, Oberfläche&)>& füllen) {
+        m_ergebnis.ergebnis = Einlesen([&](Oberfläche& ui) { return füllen(m_kataster, ui); }, Boxregel::Spalten);
+        return std::move(m_ergebnis);
+    }
+
 private:
     void Ändern(const std::function<void()>& arbeit) const {
         if (m_bindung.tabelleÄndern)
@@ -130,6 +135,10 @@ private:
             }
             return ergebnis;
         };
+        if (m_bindung.nasFenster) {
+            leser.nasFenster = m_bindung.nasFenster;
+            return LeerenEintragen();
+        }
         // NAS goes the direct way into the table: scan, compilation, transfer.
         leser.nasFenster = [this](const std::filesystem::path& datei) {
             const auto nasAuftrag =
@@ -139,6 +148,10 @@ private:
                 return nas::NasDirektImport(nasAuftrag, m_kataster, ui, bericht);
             }, Boxregel::Spalten);
         };
+        LeerenEintragen();
+    }
+
+    void LeerenEintragen() {
         // Appending on the command line leaves the replace question out: the table counts as empty.
         if (m_bindung.anfügen)
             m_umgebung.tabellenZeilen = [] { return std::size_t{0}; };
@@ -168,6 +181,14 @@ Ladeergebnis DatenLaden(const Ladeauftrag& auftrag, ImportOptionen& optionen, Pr
     // What the options dialog chose holds for the search and the next load of this run.
     optionen = ladung.Optionen();
     return ergebnis;
+}
+
+Ladeergebnis TabelleFüllen(const std::function<Ergebnis(Kataster&, Oberfläche&)>& füllen,
+                           Programmzustand& zustand, const Ladebindung& bindung, Kataster& kataster,
+                           Oberfläche& ui) {
+    ImportOptionen optionen;
+    Ladung ladung(optionen, zustand, bindung, kataster, ui);
+    return ladung.Füllen(füllen);
 }
 
 } // namespace flurix::import

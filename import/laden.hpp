@@ -6,6 +6,7 @@
 #include "core/fehler.hpp"
 #include "import/datenladen.hpp"
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ struct Ladebindung {
     std::function<void(const std::function<void()>&)> tabelleÄndern;
     /// Runs before the table is emptied for a replacement (the window saves its column widths).
     std::function<void()> vorDemLeeren;
+    /// Opens a NAS file or saved NAS database in the NAS window, which takes it from there. Empty:
+    /// NAS goes the direct way into the table (scan, compilation, transfer).
+    std::function<Ergebnis(const std::filesystem::path&)> nasFenster;
     std::string ansicht;       ///< the view to show afterwards; "" for the run's default
     bool interaktiv = false;   ///< a person answers (the window): NAS asks its questions
     bool anfügen = false;      ///< Web-XML goes behind the rows there are, without the replace question
@@ -48,5 +52,11 @@ struct Ladeergebnis {
 /// on, a saved table by its own rule; a filled box leaves the table in its default order.
 Ladeergebnis DatenLaden(const Ladeauftrag& auftrag, ImportOptionen& optionen, Programmzustand& zustand,
                         const Ladebindung& bindung, Kataster& kataster, Oberfläche& ui);
+
+/// A filling of the table from outside a load (the NAS window's transfer), run as a reader runs:
+/// inside the bound change, the box filled from the columns Gemarkung and Flur afterwards.
+Ladeergebnis TabelleFüllen(const std::function<Ergebnis(Kataster&, Oberfläche&)>& füllen,
+                           Programmzustand& zustand, const Ladebindung& bindung, Kataster& kataster,
+                           Oberfläche& ui);
 
 } // namespace flurix::import

@@ -30,33 +30,26 @@ Ergebnis NasEinlesenOderÖffnen(const NasDirektAuftrag& auftrag, NasProtokoll& p
     return DAO_ALKISEinlesen(einlesen, stand, ui, protokoll);
 }
 
-Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Oberfläche& ui,
-                         NasDirektBericht& bericht) {
-    bericht = NasDirektBericht{};
-    NasProtokoll protokoll(ui, auftrag.optionen.protokollNichtSchreiben
-                                   ? std::filesystem::path()
-                                   : NasProtokoll::DateiZu(auftrag.datei));
-    Ergebnis ergebnis = NasEinlesenOderÖffnen(auftrag, protokoll, ui, bericht.stand);
-    if (!ergebnis)
-        return ergebnis;
-
+Ergebnis NasZusammenstellen(const NasDirektAuftrag& auftrag, const NasStand& stand,
+                            NasProtokoll& protokoll, Oberfläche& ui, Zusammenstellungsbericht& bericht) {
     Zusammenstellungsauftrag zusammenstellung;
     zusammenstellung.datenbank = auftrag.datenbank;
     zusammenstellung.nasDatei = auftrag.datei;
     zusammenstellung.konfigOrdner = auftrag.konfigOrdner;
     zusammenstellung.optionen = auftrag.optionen;
-    zusammenstellung.großeDatei = bericht.stand.großeDatei;
+    zusammenstellung.großeDatei = stand.großeDatei;
     zusammenstellung.zeichnungsordner = auftrag.zeichnungsordner;
     zusammenstellung.auswahl = auftrag.auswahl;
-    ergebnis = ALKISZusammenstellung(zusammenstellung, protokoll, ui, bericht.zusammenstellung);
-    if (!ergebnis)
-        return ergebnis;
+    return ALKISZusammenstellung(zusammenstellung, protokoll, ui, bericht);
+}
 
+Ergebnis NasÜbernehmen(const NasDirektAuftrag& auftrag, NasProtokoll& protokoll, Kataster& kataster,
+                       Oberfläche& ui, NachFlurixBericht& bericht) {
     try {
         auto db = DAO_DatenbankÖffnen(auftrag.datenbank);
         const NachFlurixUmgebung umgebung{auftrag.konfigOrdner, auftrag.ansichtsdatei,
                                           auftrag.ansicht, auftrag.interaktiv};
-        Ergebnis übernommen = ALKISnachFlurix(*db, kataster, umgebung, protokoll, ui, bericht.übernahme);
+        Ergebnis übernommen = ALKISnachFlurix(*db, kataster, umgebung, protokoll, ui, bericht);
         if (übernommen && auftrag.optionen.mitNaBerechnung)
             NaAnpassung2019(kataster, KonfigText(auftrag.konfigOrdner / "ALKIS_Nutzungsart.dat"), ui);
         return übernommen;
@@ -64,6 +57,20 @@ Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Ob
         ui.Meldung(e.what(), "ALKIS-Export", Stil::Fehler);
         return Ergebnis::Fehlschlag(e.what());
     }
+}
+
+Ergebnis NasDirektImport(const NasDirektAuftrag& auftrag, Kataster& kataster, Oberfläche& ui,
+                         NasDirektBericht& bericht) {
+    bericht = NasDirektBericht{};
+    NasProtokoll protokoll(ui, auftrag.optionen.protokollNichtSchreiben
+                                   ? std::filesystem::path()
+                                   : NasProtokoll::DateiZu(auftrag.datei));
+    Ergebnis ergebnis = NasEinlesenOderÖffnen(auftrag, protokoll, ui, bericht.stand);
+    if (ergebnis)
+        ergebnis = NasZusammenstellen(auftrag, bericht.stand, protokoll, ui, bericht.zusammenstellung);
+    if (ergebnis)
+        ergebnis = NasÜbernehmen(auftrag, protokoll, kataster, ui, bericht.übernahme);
+    return ergebnis;
 }
 
 } // namespace flurix::nas

@@ -54,6 +54,14 @@ bool IstNasDatenbankDatei(const std::filesystem::path& datei);
 Ergebnis NasEinlesenOderÖffnen(const NasDirektAuftrag& auftrag, NasProtokoll& protokoll,
                                Oberfläche& ui, NasStand& stand);
 
+/// The compilation of the read database into Alkis, with the area step when the options ask for it.
+Ergebnis NasZusammenstellen(const NasDirektAuftrag& auftrag, const NasStand& stand,
+                            NasProtokoll& protokoll, Oberfläche& ui, Zusammenstellungsbericht& bericht);
+
+/// The compiled table Alkis into `kataster`, with the NA-2019 column when the areas were computed.
+Ergebnis NasÜbernehmen(const NasDirektAuftrag& auftrag, NasProtokoll& protokoll, Kataster& kataster,
+                       Oberfläche& ui, NachFlurixBericht& bericht);
+
 /// Runs the import with its messages and protocol ("<file>.prn" unless the options switch it
 /// off). Fails, after the message, where a stage fails; `kataster` is changed only by the last
 /// stage.

@@ -82,6 +82,10 @@ void SrsWertNachtragen(Datenbank& db, const std::string& wert) {
     transaktion.Bestätigen();
 }
 
+constexpr char MeldungAbgeschnitten[] =
+    "Die Datei endet innerhalb eines Objekts (unvollständige Datei?), das letzte Objekt wurde nicht "
+    "gelesen...";
+
 void StatistikProtokollieren(const Lesestatistik& statistik, const ObjektSchneider& schneider,
                              NasProtokoll& protokoll) {
     protokoll.Eintrag(", " + std::to_string(statistik.objekte) + " Objekte gelesen...");
@@ -95,8 +99,7 @@ void StatistikProtokollieren(const Lesestatistik& statistik, const ObjektSchneid
         protokoll.Eintrag(", " + std::to_string(schneider.Unvollständige()) +
                           " Objekte ohne Endtag übergangen...");
     if (schneider.Abgeschnitten())
-        protokoll.Eintrag(", Die Datei endet innerhalb eines Objekts (unvollständige Datei?), "
-                          "das letzte Objekt wurde nicht gelesen...");
+        protokoll.Eintrag(std::string(", ") + MeldungAbgeschnitten);
 }
 
 } // namespace
@@ -328,6 +331,10 @@ private:
             transaktion->Bestätigen();
             m_stand.statistik = leser.Statistik();
             StatistikProtokollieren(m_stand.statistik, schneider, m_protokoll);
+            // A cut-off file is read up to its last whole feature; the person must know that the
+            // data set is incomplete, not only the protocol.
+            if (schneider.Abgeschnitten())
+                m_ui.Meldung(MeldungAbgeschnitten, "Flurix-NAS", Stil::Warnung);
         } catch (const Fehler& e) {
             m_protokoll.Eintrag(std::string(", ") + e.what());
             return Ergebnis::Fehlschlag(e.what());

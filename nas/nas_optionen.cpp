@@ -1,31 +1,43 @@
 #include "nas/nas_optionen.hpp"
 
-#include "core/einstellungen.hpp"
 #include "core/text.hpp"
 
+#include <algorithm>
 #include <array>
-#include <utility>
 
 namespace flurix::nas {
 namespace {
 
-using Eintrag = std::pair<std::string_view, bool NasOptionen::*>;
+using O = NasOptionen;
 
-constexpr std::array<Eintrag, 11> Namen = {{
-    {"chkMitNaBerechnung", &NasOptionen::mitNaBerechnung},
-    {"chkQuickNaBerechnung", &NasOptionen::quickNaBerechnung},
-    {"chkQuickBSBerechnung", &NasOptionen::quickBSBerechnung},
-    {"chkQuickLWBerechnung", &NasOptionen::quickLWBerechnung},
-    {"chkQuickBROBBerechnung", &NasOptionen::quickBROBBerechnung},
-    {"chkMitFlächenAnpassung", &NasOptionen::mitFlächenAnpassung},
-    {"chkSVGlöschen", &NasOptionen::svgLöschen},
-    {"chkWriteAlkisProtokolldatei", &NasOptionen::protokollNichtSchreiben},
-    {"chkNutzung_tatsächlich", &NasOptionen::nutzungOhneAx},
-    {"chkAlkisAnschrift", &NasOptionen::mehrereAnschriften},
-    {"chkFlurixSuchbegriffGemarkung", &NasOptionen::suchbegriffGemarkung},
+constexpr std::array<NasOptionsfeld, 17> Felder = {{
+    {"chkMitNaBerechnung", "Flächenverschneidung Nutzungsart, Bodenschätzung und BOV", &O::mitNaBerechnung},
+    {"chkQuickNaBerechnung", "nur ausgewählte NA-Flächen und Bodenschätzung berechnen", &O::quickNaBerechnung},
+    {"chkQuickBSBerechnung", "nur Bodenschätzung berechnen", &O::quickBSBerechnung},
+    {"chkQuickLWBerechnung", "nur Landwirtschaft berechnen", &O::quickLWBerechnung},
+    {"chkQuickBROBBerechnung", "nur Bau-, Raum- oder Bodenordnungsrecht (BOV)", &O::quickBROBBerechnung},
+    {"chkMitFlächenAnpassung", "mit Flächenanpassung an Buchfläche", &O::mitFlächenAnpassung},
+    {"chkSVGlöschen", "grafischen Nachweis *.svg für Flächenberechnung löschen", &O::svgLöschen},
+    {"chkWriteAlkisProtokolldatei", "Protokolldatei nicht schreiben", &O::protokollNichtSchreiben},
+    {"chkNutzung_tatsächlich", "Anzeige \"Nutzung_tatsächlich\" ohne \"AX-Nutzung\" im Text", &O::nutzungOhneAx},
+    {"chkAlkisAnschrift", "mehrere Anschriften pro Eigentümer zulässig (zusätzliche Zeilen)",
+     &O::mehrereAnschriften},
+    {"chkFlurixSuchbegriffGemarkung", "Flurstückssuche im Flurix vereinfachen", &O::suchbegriffGemarkung},
+    // The box has no caption of its own in the dialog; this one says what it does.
+    {"chkSQLAbfrage", "SQL-Abfrage nach dem Öffnen einer Datei anzeigen", &O::sqlAbfrage},
+    {"chkSQLMeridianKZ", "mit voller Meridiankennziffer", &O::sqlMeridianKZ},
+    {"chkSQLGGmitSchraffur", "mit Schraffur Gebäude", &O::ggMitSchraffur},
+    {"chkALKISDXFmitSchraffur", "mit Schraffur Gebäude", &O::dxfMitSchraffur},
+    {"chkALKISDXFmitPunktbeschriftung", "mit Beschriftung Punktnummer", &O::dxfMitPunktbeschriftung},
+    {"chkALKISDXFmitSachdaten", "mit Sachdatenbeschriftung Punkt GWT", &O::dxfMitSachdaten},
 }};
 
+constexpr std::array<bool O::*, 4> NurFelder = {&O::quickNaBerechnung, &O::quickBSBerechnung,
+                                               &O::quickLWBerechnung, &O::quickBROBBerechnung};
+
 } // namespace
+
+std::span<const NasOptionsfeld> NasOptionsfelder() { return Felder; }
 
 NasOptionen NasOptionen::AusText(std::string_view text) {
     NasOptionen optionen;
@@ -35,11 +47,44 @@ NasOptionen NasOptionen::AusText(std::string_view text) {
             continue;
         const std::string_view name = TrimmeLeerzeichen(eintrag.substr(0, komma));
         const std::string_view wert = TrimmeLeerzeichen(eintrag.substr(komma + 1));
-        for (const auto& [bekannt, feld] : Namen)
-            if (bekannt == name)
-                optionen.*feld = wert == "1";
+        for (const auto& bekannt : Felder)
+            if (bekannt.name == name)
+                optionen.*bekannt.feld = wert == "1";
     }
     return optionen;
+}
+
+std::string NasOptionen::AlsText() const {
+    std::string text;
+    for (const auto& f : Felder) {
+        text += '#';
+        text += f.name;
+        text += this->*f.feld ? ",1" : ",0";
+    }
+    return text;
+}
+
+bool NasOptionen::HängtAnFlächenberechnung(bool NasOptionen::*feld) {
+    return std::find(NurFelder.begin(), NurFelder.end(), feld) != NurFelder.end();
+}
+
+void NasOptionen::Setzen(bool NasOptionen::*feld, bool an) {
+    this->*feld = an;
+    if (feld == &O::mitNaBerechnung && !an) {
+        for (auto nur : NurFelder)
+            this->*nur = false;
+    } else if (an && HängtAnFlächenberechnung(feld)) {
+        for (auto nur : NurFelder)
+            if (nur != feld)
+                this->*nur = false;
+    }
+}
+
+std::string NasOptionen::StartKnopfText() const {
+    std::string text = "Import direkt in den Flurix";
+    if (mitNaBerechnung)
+        text += mitFlächenAnpassung ? " mit Flächenanpassung an BF" : " ohne Flächenanpassung an BF";
+    return text;
 }
 
 } // namespace flurix::nas

@@ -374,7 +374,7 @@ TEST(Gui, NasStapelUndKarteMeldenUndEndenOhneFrage) {
         EXPECT_FALSE(h.fenster.isVisible());
         EXPECT_EQ(h.exitcode, 1);
         EXPECT_EQ(ok.Beschreibungen(), QStringList{u"[Information] \"Flurix\" [OK*]: "_s +
-                                                   QText(import::NochNichtVerfügbar(was))})
+                                                   QText(NochNichtVerfügbar(was))})
             << "the message, and no question to end";
     }
 }

@@ -1,0 +1,182 @@
+#include "nas/nas_speichern.hpp"
+
+#include "core/datenbank.hpp"
+#include "core/oberflaeche.hpp"
+#include "core/text.hpp"
+#include "export/tabellenschreiber.hpp"
+#include "nas/nas_arbeitsbereich.hpp"
+#include "nas/nas_protokoll.hpp"
+
+#include <algorithm>
+#include <memory>
+
+namespace flurix::nas {
+namespace {
+
+constexpr char Titel[] = "Flurix-NAS";
+
+bool Weiter(Oberfläche& ui, std::string text, bool still = false) {
+    if (still)
+        return true;
+    Fragestellung frage;
+    frage.text = std::move(text);
+    frage.titel = Titel;
+    return ui.Frage(frage) == Antwort::Ja;
+}
+
+/// The temporary name beside the target: same folder, so that the rename is one step.
+std::filesystem::path Zwischenname(const std::filesystem::path& ziel) {
+    return ziel.parent_path() / ("~" + ziel.filename().string() + ".flurix-tmp");
+}
+
+void Umbenennen(const std::filesystem::path& zwischen, const std::filesystem::path& ziel) {
+    std::error_code fehler;
+    std::filesystem::rename(zwischen, ziel, fehler);
+    if (fehler) {
+        std::filesystem::remove(zwischen, fehler);
+        throw Fehler("Die Datei \"" + ziel.string() + "\" kann nicht geschrieben werden!   ");
+    }
+}
+
+std::string Spaltenliste(const std::vector<std::string>& spalten) {
+    if (spalten.empty())
+        return "*";
+    std::string liste;
+    for (const auto& spalte : spalten) {
+        if (!liste.empty())
+            liste += ", ";
+        liste += '"' + Ersetzen(spalte, "\"", "\"\"") + '"';
+    }
+    return liste;
+}
+
+/// The rows of the grid's query, the chosen ones or all, through one writer.
+void Zeilenschreiben(Datenbank& db, const NasSpeicherauftrag& auftrag, const std::filesystem::path& ziel,
+                     Oberfläche& ui) {
+    const std::string quelle = !auftrag.abfrage.empty()
+                                   ? "(" + auftrag.abfrage + ")"
+                                   : "\"" + Ersetzen(auftrag.tabelle, "\"", "\"\"") + "\"";
+    auto abfrage = db.VorbereitenNativ("SELECT " + Spaltenliste(auftrag.spalten) + " FROM " + quelle);
+    std::vector<ausgabe::Ausgabespalte> spalten;
+    for (int i = 0; i < abfrage.Spaltenanzahl(); ++i) {
+        ausgabe::Ausgabespalte spalte;
+        spalte.schlüssel = spalte.überschrift = std::string(abfrage.Spaltenname(i));
+        spalten.push_back(std::move(spalte));
+    }
+    std::unique_ptr<ausgabe::Tabellenschreiber> schreiber;
+    if (auftrag.format == NasZiel::Csv)
+        schreiber = std::make_unique<ausgabe::TrennzeichenSchreiber>(ziel, spalten, ';');
+    else
+        schreiber = std::make_unique<ausgabe::XlsxSchreiber>(ziel, spalten, ziel.parent_path(), "WorkSheet1");
+
+    std::vector<std::int64_t> gewählt = auftrag.zeilen;
+    std::sort(gewählt.begin(), gewählt.end());
+    auto nächste = gewählt.begin();
+    std::vector<std::string> werte(spalten.size());
+    std::vector<std::string_view> zellen(spalten.size());
+    for (std::int64_t zeile = 0; abfrage.Schritt(); ++zeile) {
+        if (!gewählt.empty()) {
+            while (nächste != gewählt.end() && *nächste < zeile)
+                ++nächste;
+            if (nächste == gewählt.end())
+                break;
+            if (*nächste != zeile)
+                continue;
+        }
+        for (std::size_t i = 0; i < werte.size(); ++i) {
+            werte[i] = abfrage.Text(static_cast<int>(i));
+            zellen[i] = werte[i];
+        }
+        schreiber->Zeile(zellen);
+        if (zeile % 4096 == 0 && ui.AbbruchGewünscht())
+            throw Fehler("Der Export wurde abgebrochen!   ");
+    }
+    schreiber->Abschließen();
+}
+
+Ergebnis Schreiben(NasArbeitsbereich& bereich, const NasSpeicherauftrag& auftrag, Oberfläche& ui) {
+    const std::filesystem::path zwischen = Zwischenname(auftrag.ziel);
+    switch (auftrag.format) {
+    case NasZiel::Datenbank:
+        ui.Status(1, "Bitte warten, Datenbank wird kopiert...");
+        // VACUUM INTO writes a consistent, compact copy of the open database.
+        std::filesystem::remove(zwischen);
+        bereich.Db().AusführenNativ("VACUUM INTO '" + Ersetzen(zwischen.string(), "'", "''") + "'");
+        Umbenennen(zwischen, auftrag.ziel);
+        break;
+    case NasZiel::Csv:
+    case NasZiel::Excel:
+        if (!Weiter(ui, "Es werden alle sichtbaren Datenspalten exportiert! Weiter?   "))
+            return Ergebnis::Abbruch();
+        if (!auftrag.zeilen.empty() &&
+            !Weiter(ui, "Es werden " + std::to_string(auftrag.zeilen.size()) +
+                            " selektierte Datenzeilen ausgegeben! Weiter?   "))
+            return Ergebnis::Abbruch();
+        Zeilenschreiben(bereich.Db(), auftrag, zwischen, ui);
+        Umbenennen(zwischen, auftrag.ziel);
+        if (auftrag.format == NasZiel::Csv) {
+            std::filesystem::path name = auftrag.ziel;
+            ui.Meldung("Datei " + name.replace_extension("").string() + ".csv erzeugt   ", Titel,
+                       Stil::Information);
+        }
+        break;
+    case NasZiel::Geograf:
+    case NasZiel::Dxf:
+    case NasZiel::DxfOut: {
+        const bool geograf = auftrag.format == NasZiel::Geograf;
+        if (!Weiter(ui, geograf ? "Export-Optionen ausgewählt? GG-Export ausführen?   "
+                                : "Export-Optionen ausgewählt? DXF-Export ausführen?   ",
+                    auftrag.still))
+            return Ergebnis::Abbruch();
+        const std::string text = NochNichtVerfügbar(geograf ? "Der GEOgraf-Export der NAS-Daten"
+                                                            : "Der DXF-Export der NAS-Daten");
+        ui.Meldung(text, Titel, Stil::Warnung);
+        return Ergebnis::Fehlschlag(text);
+    }
+    }
+    bereich.Protokoll().Eintrag("Datei " + auftrag.ziel.string() + " gespeichert...");
+    return Ergebnis::Ok();
+}
+
+} // namespace
+
+bool NasZielAusEndung(const std::filesystem::path& datei, NasZiel& ziel) {
+    const std::string endung = Kleinbuchstaben(datei.extension().string());
+    if (endung == ".sqlite" || endung == ".mdb" || endung == ".db")
+        ziel = NasZiel::Datenbank;
+    else if (endung == ".csv")
+        ziel = NasZiel::Csv;
+    else if (endung == ".xlsx" || endung == ".xls")
+        ziel = NasZiel::Excel;
+    else if (endung == ".out")
+        ziel = NasZiel::Geograf;
+    else if (endung == ".dxf")
+        ziel = NasZiel::Dxf;
+    else
+        return false;
+    return true;
+}
+
+Ergebnis ALKISspeichernUnter(NasArbeitsbereich& bereich, const NasSpeicherauftrag& auftrag, Oberfläche& ui) {
+    if (!bereich.HatDaten()) {
+        ui.Meldung("Keine Daten zum Speichern vorhanden! Abbruch!   ", Titel, Stil::Warnung);
+        return Ergebnis::Fehlschlag("Keine Daten zum Speichern vorhanden! Abbruch!   ");
+    }
+    if (!auftrag.still && std::filesystem::exists(auftrag.ziel)) {
+        Fragestellung frage;
+        frage.text = "Datei \"" + auftrag.ziel.string() + "\" ersetzen?   ";
+        frage.titel = "Datei schon vorhanden!";
+        if (ui.Frage(frage) != Antwort::Ja)
+            return Ergebnis::Abbruch();
+    }
+    try {
+        return Schreiben(bereich, auftrag, ui);
+    } catch (const std::exception& e) {
+        std::error_code fehler;
+        std::filesystem::remove(Zwischenname(auftrag.ziel), fehler);
+        ui.Meldung(e.what(), Titel, Stil::Fehler);
+        return Ergebnis::Fehlschlag(e.what());
+    }
+}
+
+} // namespace flurix::nas
