@@ -119,6 +119,18 @@ const std::vector<Befehl>& Befehle() {
          "  Meldungen, Hinweise und Protokoll stehen auf stderr. Ende mit 1, wenn die Datei nicht\n"
          "  gelesen oder keine Zeile zusammengestellt werden konnte.\n",
          BefehlNas},
+        // The name fills the overview's 12 columns: the short text brings its own blank.
+        {"nas-werkzeug", " NAS-XML-Werkzeuge: zusammenfügen, ID-Prüfung, ausdünnen, ANSI, GG-Out-Batch",
+         "Aufruf: flurix nas-werkzeug <werkzeug> <datei>... [Optionen]\n"
+         "  Die XML-Werkzeuge des NAS-Fensters; sie lesen NAS-Dateien als Text, ohne Datenbank:\n"
+         "  zusammenfuegen <a.xml> <b.xml>...   Objekte mehrerer Dateien, jede gml:id einmal\n"
+         "  idpruefung <a.xml>                  Kopie ohne wiederholte gml:id, mit Fehlerliste\n"
+         "  ausduennen <a.xml>                  Kopie ohne die Objektarten der Liste\n"
+         "  ansi <a.xml>                        UTF-8 nach Windows-1252\n"
+         "  ggout-batch <ordner>|<a.xml>...     Stapeldatei für den unbeaufsichtigten NAS-Lauf\n"
+         "  flurix nas-werkzeug <werkzeug> --help sagt mehr. --ersetzen ersetzt eine vorhandene\n"
+         "  Zieldatei. Ende mit 1, wenn nichts geschrieben wurde.\n",
+         BefehlNasWerkzeug},
         {"auszug", "schreibt den Auszug aus dem Liegenschaftskataster eines Flurstücks (PDF)",
          "Aufruf: flurix auszug <tabelle> (--zeile <n> | --fkz <kennzeichen>) [--out <datei.pdf>]\n"
          "  Wie der Knopf \"ALB-Auszug\": Flurstücks- und Eigentümernachweis des Flurstücks der\n"

@@ -32,6 +32,7 @@ int BefehlSuchen(const std::vector<std::string>&, std::ostream&, std::ostream&, 
 int BefehlAuszug(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlExport(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlNas(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
+int BefehlNasWerkzeug(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlMarkieren(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 
 /// A job command line: "<path>/job.wldge" and the other interactive types open the desktop program;

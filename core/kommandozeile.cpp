@@ -98,7 +98,8 @@ Auftrag KommandozeileLesen(std::string_view zeile, Oberfläche& ui) {
     for (const auto& form : Stapelformen) {
         if (stücke.size() > 1 && letztes == form.text) {
             auftrag.art = Startart::NasStapel;
-            auftrag.AuftragsDatei = jobOhneTyp + ".xml";
+            // The extension as written: "X.XML" is another file than "X.xml" here.
+            auftrag.AuftragsDatei = jobOhneTyp + text.substr(jobOhneTyp.size(), 4);
             auftrag.StillModus = true;
             auftrag.AusgabeGG = true;
             auftrag.AusgabeTxtSch = form.txtSch;

@@ -185,6 +185,7 @@ TEST_F(CliGolden, Nas) {
         {{"nas", "<ordner>/kein.xml", "--db", "<ordner>/b.sqlite", "--ohne-protokoll"}},
         {{"nas", "<ordner>/fremd.sqlite"}},
         {{"nas"}},
+        {{"nas-werkzeug", "zusammenfuegen", "<ordner>/auszug.xml", "<ordner>/muster.xml"}},
     });
     EXPECT_FALSE(fs::exists(ordner / "kein.xml.prn")) << "--ohne-protokoll";
     fs::remove(ordner / "inst" / "config" / "ALKIS_Zuordnung.dat");

@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <set>
 
 namespace flurix::nas {
 namespace {
@@ -61,6 +62,36 @@ std::vector<std::string> OhneUhrzeit(const std::vector<std::string>& zeilen) {
     for (const auto& z : zeilen)
         ergebnis.push_back(std::regex_replace(z, uhrzeit, ""));
     return ergebnis;
+}
+
+TEST(NasOptionen, TextUndAbhängigeKästchen) {
+    // Each box goes into the settings text under its own name and comes back alone.
+    std::set<std::string_view> namen;
+    for (const auto& feld : NasOptionsfelder()) {
+        SCOPED_TRACE(feld.name);
+        EXPECT_TRUE(namen.insert(feld.name).second);
+        NasOptionen o;
+        o.*feld.feld = true;
+        const NasOptionen zurück = NasOptionen::AusText(o.AlsText());
+        for (const auto& anderes : NasOptionsfelder())
+            EXPECT_EQ(zurück.*anderes.feld, anderes.name == feld.name) << anderes.name;
+    }
+    EXPECT_EQ(namen.size(), 17U);
+
+    NasOptionen o;
+    EXPECT_EQ(o.StartKnopfText(), "Import direkt in den Flurix");
+    o.Setzen(&NasOptionen::mitNaBerechnung, true);
+    EXPECT_EQ(o.StartKnopfText(), "Import direkt in den Flurix ohne Flächenanpassung an BF");
+    o.Setzen(&NasOptionen::mitFlächenAnpassung, true);
+    EXPECT_EQ(o.StartKnopfText(), "Import direkt in den Flurix mit Flächenanpassung an BF");
+    // The "nur ..." boxes exclude each other and fall with the area computation.
+    o.Setzen(&NasOptionen::quickBSBerechnung, true);
+    o.Setzen(&NasOptionen::quickLWBerechnung, true);
+    EXPECT_FALSE(o.quickBSBerechnung);
+    EXPECT_TRUE(o.quickLWBerechnung);
+    o.Setzen(&NasOptionen::mitNaBerechnung, false);
+    EXPECT_FALSE(o.quickLWBerechnung);
+    EXPECT_TRUE(o.mitFlächenAnpassung);
 }
 
 TEST(NasArbeitsbereich, EineSchlechteDateiLässtDenGeöffnetenDatenbestand) {
