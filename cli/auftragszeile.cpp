@@ -50,13 +50,7 @@ int OberflächeStarten(const std::vector<std::string>& argumente, std::ostream& 
 /// "<file>.xml /ggout /still" and its siblings: the NAS run with its output beside the input, with
 /// the options the NAS window keeps, without a display and without a question.
 int NasStapel(Sitzung& sitzung) {
-    const Auftrag& auftrag = sitzung.zustand.auftrag;
-    nas::NasLaufauftrag lauf;
-    lauf.datei = auftrag.AuftragsDatei;
-    lauf.direktImport = false;
-    lauf.ausgabe = auftrag.AusgabeDXF ? nas::NasAusgabe::Dxf : nas::NasAusgabe::Geograf;
-    lauf.textSchraffur = auftrag.AusgabeTxtSch;
-    lauf.still = true;
+    const nas::NasLaufauftrag lauf = nas::NasStapelauftrag(sitzung.zustand.auftrag);
     Ergebnis ergebnis;
     {
         nas::NasArbeitsbereich bereich(sitzung.zustand, sitzung.ui);

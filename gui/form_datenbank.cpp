@@ -3,6 +3,7 @@
 #include "core/katalog.hpp"
 #include "core/spaltenansicht.hpp"
 #include "gui/dateifilter.hpp"
+#include "gui/form_alkis.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
 #include "gui/form_optionen_system.hpp"
 #include "gui/kataster_modell.hpp"
@@ -62,7 +63,7 @@ FormDatenbank::FormDatenbank(Programmzustand& zustand, Zahlenformat& format, QtO
     resize(1100, 700);
 }
 
-FormDatenbank::~FormDatenbank() = default;
+FormDatenbank::~FormDatenbank() { delete m_nasFenster.data(); }
 
 QAction* FormDatenbank::Befehl(const QString& name, QStyle::StandardPixmap symbol,
                                const QString& text, const QString& tipp) {
@@ -85,6 +86,8 @@ void FormDatenbank::BedienelementeAnlegen() {
                QStringLiteral("Daten einlesen: WLDGE, Flurix-Tabelle, Web-XML, "
                               "NAS, FKZ-Liste"));
     öffnen->setShortcut(QKeySequence::Open);
+    QAction* nasFenster = Befehl(QStringLiteral("btnALKIS"), QStyle::SP_FileDialogListView,
+                                 QStringLiteral("NAS"), QStringLiteral("Flurix-NAS: das Fenster der NAS-Daten"));
     QAction* system =
         Befehl(QStringLiteral("btnOptSystem"), QStyle::SP_DialogSaveButton,
                QStringLiteral("System"), QStringLiteral("Systemsicherung und Systemdateien"));
@@ -119,6 +122,7 @@ void FormDatenbank::BedienelementeAnlegen() {
 
     connect(öffnen, &QAction::triggered, this, [this] { DbOeffnen(); });
     connect(system, &QAction::triggered, this, [this] { OptSystem(); });
+    connect(nasFenster, &QAction::triggered, this, [this] { NasFensterZeigen(); });
     connect(stempelPlus, &QAction::triggered, this, [this] { StempelPlus(); });
     connect(beenden, &QAction::triggered, this, [this] { BeendenKlick(); });
     connect(m_spaltenansicht, &QComboBox::currentTextChanged, this,
@@ -284,12 +288,6 @@ void FormDatenbank::DateiLadenZeitgeber() {
     Laden(auftrag);
 }
 
-void FormDatenbank::NasStapelZeitgeber() {
-    m_ui.Meldung(NochNichtVerfügbar("Der NAS-Arbeitsbereich"), ProduktTitel,
-                 Stil::Information);
-    TimerEnd(1);
-}
-
 void FormDatenbank::KarteZeitgeber() {
     m_ui.Meldung(NochNichtVerfügbar("Das Kartenfenster"), ProduktTitel, Stil::Information);
     // Closing the map ends the program without a question.
@@ -328,8 +326,7 @@ void FormDatenbank::OptSystem() {
     FormOptionenSystem::Anzeigen(m_zustand.installation.Konfig(), m_ui, this);
 }
 
-Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
-    Sperren(true);
+import::Ladebindung FormDatenbank::Bindung() {
     // The window binds its dialog, its model and its boxes to the load; the load decides the rest.
     import::Ladebindung bindung;
     bindung.optionenDialog = [this](import::ImportOptionen& optionen) {
@@ -341,15 +338,34 @@ Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
         Umbauen(arbeit);
     };
     bindung.vorDemLeeren = [this] { SpaltenbreitenSichern(); };
+    bindung.nasFenster = [this](const std::filesystem::path& datei) { return NasFensterÖffnen(datei); };
     bindung.ansicht = Spaltenansicht();
     bindung.interaktiv = true;
     bindung.gemarkungsbox = true;
-    const import::Ladeergebnis geladen =
-        import::DatenLaden(auftrag, m_optionen, m_zustand, bindung, m_kataster, m_ui);
+    return bindung;
+}
+
+void FormDatenbank::Geladen(const import::Ladeergebnis& geladen) {
     if (geladen.gemarkungsbox)
         GemarkungsboxFüllen(*geladen.gemarkungsbox, geladen.boxAusKennzeichen);
     // Even a failed read may have changed the columns.
     SuchspaltenFüllen();
+}
+
+Ergebnis FormDatenbank::Laden(const import::Ladeauftrag& auftrag) {
+    Sperren(true);
+    const import::Ladeergebnis geladen =
+        import::DatenLaden(auftrag, m_optionen, m_zustand, Bindung(), m_kataster, m_ui);
+    Geladen(geladen);
+    Sperren(false);
+    return geladen.ergebnis;
+}
+
+Ergebnis FormDatenbank::TabelleFüllen(const std::function<Ergebnis(Kataster&)>& füllen) {
+    Sperren(true);
+    const import::Ladeergebnis geladen = import::TabelleFüllen(
+        [&](Kataster& kataster, Oberfläche&) { return füllen(kataster); }, m_zustand, Bindung(), m_kataster, m_ui);
+    Geladen(geladen);
     Sperren(false);
     return geladen.ergebnis;
 }

@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <QStyle>
 #include <QUrl>
@@ -37,8 +38,14 @@ namespace flurix::report {
 class Registerauszug;
 }
 
+namespace flurix::import {
+struct Ladebindung;
+struct Ladeergebnis;
+}
+
 namespace flurix::gui {
 
+class FormAlkis;
 class KatasterModell;
 class QtOberfläche;
 
@@ -85,6 +92,16 @@ public:
     /// The load of one job with the readers and dialogs of this window; other commands are locked
     /// while it runs. Every failure has been shown through the UI port when it returns.
     Ergebnis Laden(const import::Ladeauftrag& auftrag);
+    /// A filling of the table from the NAS window ("nach Flurix"): inside the model's reset, the
+    /// Gemarkung/Flur box and the search columns anew afterwards, as after a load.
+    Ergebnis TabelleFüllen(const std::function<Ergebnis(Kataster&)>& füllen);
+    /// The NAS window with `datei` (a NAS file or saved NAS database): its option dialog first,
+    /// then the file read in it. The window is made at the first call and kept (hidden) after.
+    Ergebnis NasFensterÖffnen(const std::filesystem::path& datei);
+    /// The NAS window of the run, made at the first call (empty, without a file).
+    FormAlkis& NasFenster();
+    /// btnALKIS: the NAS window shown again (after "Ausblenden") or opened empty.
+    void NasFensterZeigen();
 
     /// What ends the program once Beenden has run, with the exit code: QCoreApplication::exit
     /// unless set otherwise (a test records the code instead of ending its event loops).
@@ -215,6 +232,10 @@ private:
     void KarteZeitgeber();
     void TimerEnd(int exitcode);
     void Sperren(bool gesperrt);
+    /// The binding of a load or a filling to this window.
+    import::Ladebindung Bindung();
+    /// The boxes after a load or a filling.
+    void Geladen(const import::Ladeergebnis& geladen);
 
     /// Work that replaces, reorders or re-columns the table: the model is reset around it, the
     /// scroll position kept.
@@ -254,6 +275,7 @@ private:
     Kataster m_kataster;
     Stempelnummerierung m_nummerierung;
     KatasterModell* m_modell = nullptr;
+    QPointer<FormAlkis> m_nasFenster; ///< a top-level window of its own, deleted with this one
     import::ImportOptionen m_optionen; ///< of the last import dialog; kept for the search
 
     QToolBar* m_werkzeugleiste = nullptr;

@@ -10,9 +10,11 @@
 #include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTimer>
 #include <QTranslator>
 #include <QWidget>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <iostream>
@@ -221,6 +223,14 @@ bool QtOberfläche::AbbruchGewünscht() {
     const bool abbruch = m_filter->abbruch;
     m_filter->abbruch = false;
     return abbruch;
+}
+
+void QtOberfläche::Hinweis(std::string_view text, std::string_view titel, int sekunden) {
+    QMessageBox box(QMessageBox::Information, QText(titel), QText(text), QMessageBox::Ok, Eltern());
+    box.setDefaultButton(QMessageBox::Ok);
+    // An unattended run waits on nothing: the box goes by itself.
+    QTimer::singleShot(std::max(0, sekunden) * 1000, &box, &QMessageBox::accept);
+    Zeigen(box);
 }
 
 void QtOberfläche::Protokoll(std::string_view zeile) {

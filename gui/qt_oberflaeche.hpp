@@ -60,6 +60,9 @@ public:
     bool AbbruchGewünscht() override;
     /// One line of the NAS protocol, passed to the target of ProtokollZielSetzen.
     void Protokoll(std::string_view zeile) override;
+    /// A message box with the information icon and an OK button that closes itself after
+    /// `sekunden` (at once for 0 or less) unless it is closed before.
+    void Hinweis(std::string_view text, std::string_view titel, int sekunden) override;
 
 private:
     /// The parent of message boxes: the main window while it is shown.

@@ -2,6 +2,7 @@
 
 #include "core/cp1252.hpp"
 #include "core/kataster.hpp"
+#include "core/kommandozeile.hpp"
 #include "core/oberflaeche.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/nas_speichern.hpp"
@@ -67,6 +68,16 @@ Ergebnis Schritte(NasArbeitsbereich& bereich, const NasLaufauftrag& auftrag, con
 }
 
 } // namespace
+
+NasLaufauftrag NasStapelauftrag(const Auftrag& job) {
+    NasLaufauftrag auftrag;
+    auftrag.datei = job.AuftragsDatei;
+    auftrag.direktImport = false;
+    auftrag.ausgabe = job.AusgabeDXF ? NasAusgabe::Dxf : NasAusgabe::Geograf;
+    auftrag.textSchraffur = job.AusgabeTxtSch;
+    auftrag.still = true;
+    return auftrag;
+}
 
 std::filesystem::path NasAusgabedatei(const std::filesystem::path& datei, NasAusgabe ausgabe) {
     std::filesystem::path ziel = datei;

@@ -9,6 +9,10 @@
 
 #include <filesystem>
 
+namespace flurix {
+struct Auftrag;
+}
+
 namespace flurix::nas {
 
 /// The output of a batch run.
@@ -26,6 +30,10 @@ struct NasLaufbericht {
     NasDirektBericht direkt;
     std::filesystem::path ausgabe; ///< the file written by the export, when there is one
 };
+
+/// The run a batch line asks for: its file, no transfer into a table, GEOgraf or DXF output
+/// (with "/txt-sch" texts and hatching), unattended.
+NasLaufauftrag NasStapelauftrag(const Auftrag& auftrag);
 
 /// The output file of a batch run beside the input: "<name>.out" or "<name>.dxf".
 std::filesystem::path NasAusgabedatei(const std::filesystem::path& datei, NasAusgabe ausgabe);

@@ -4,13 +4,17 @@
 #include "core/kataster.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "gui/dateifilter.hpp"
+#include "gui/form_alkis.hpp"
+#include "gui/form_nas_darstellung.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
 #include "gui/form_optionen_system.hpp"
 #include "gui/qt_text.hpp"
 #include "gui_testhilfen.hpp"
+#include "nas/nas_lauf.hpp"
 
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -319,24 +323,39 @@ TEST(Gui, DateiVonDerKommandozeileWirdNachDemAnzeigenErfragt) {
     EXPECT_FALSE(h.exitcode.has_value());
 }
 
-TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
-    Hauptfenster h;
-    Mitschrift m("nas_laden");
+/// The sample NAS file and the configuration in the window's installation.
+std::filesystem::path NasMuster(Hauptfenster& h) {
     const auto quellen = std::filesystem::path(FLURIX_QUELLEN);
     std::filesystem::copy(quellen / "config", h.ordner / "config",
                           std::filesystem::copy_options::recursive |
                               std::filesystem::copy_options::overwrite_existing);
     const auto datei = h.ordner / "muster.xml";
     std::filesystem::copy_file(quellen / "samples" / "musterstadt_nas.xml", datei);
+    h.fenster.BenutzerordnerSetzen(h.ordner / "benutzer");
+    return datei;
+}
+
+TEST(Gui, NasDateiGehtÜberDasNasFensterInDieTabelle) {
+    Hauptfenster h;
+    Mitschrift m("nas_laden");
+    const auto datei = NasMuster(h);
     h.fenster.show();
     // A job from the command line: a ".xml" that its content shows to be NAS.
     import::Ladeauftrag auftrag;
     auftrag.dateien = {datei};
     auftrag.art = import::Eingabeart::Xml;
     auftrag.vonKommandozeile = true;
+    // The options dialog in front of the NAS window, started straight into the table; the run
+    // follows after the NAS window's first paint, the main window free meanwhile.
     const auto laden = [&](QMessageBox::StandardButton antwort) {
         Beantworter beantworter(antwort);
+        test::Dialoghelfer<FormNasDarstellung> start(
+            [](FormNasDarstellung& d) { test::Element<QPushButton>(d, "cmdStart")->click(); });
+        const std::size_t vorher = h.fenster.Tabelle().Zeilenzahl();
         EXPECT_TRUE(h.fenster.Laden(auftrag));
+        EXPECT_TRUE(start.gesehen);
+        test::Warten([&] { return h.fenster.Tabelle().Zeilenzahl() != vorher && !h.fenster.NasFenster().Beschaeftigt(); });
+        EXPECT_TRUE(h.fenster.NasFenster().isVisible());
         return beantworter.Beschreibungen();
     };
     m << laden(QMessageBox::Yes);
@@ -345,38 +364,47 @@ TEST(Gui, NasDateiKommtDirektInDieTabelleUndFragtVorDemErsetzen) {
     auto* tabelle = h.fenster.findChild<QTableView*>();
     EXPECT_EQ(static_cast<std::size_t>(tabelle->model()->rowCount()), zeilen);
     EXPECT_EQ(h.fenster.Tabelle().Zelle(0, "Gemarkung"), "Beispielfeld");
+    EXPECT_EQ(h.fenster.NasFenster().Tabellenliste()->currentText(), u"Alkis");
     EXPECT_FALSE(h.zustand.arbeitsdatenbanken.empty()) << "the work database goes at the end";
 
-    // With rows in the table: No replaces, Yes extends.
-    auftrag.art = import::Eingabeart::NasXml;
-    auftrag.vonKommandozeile = false;
-    m << laden(QMessageBox::No);
-    EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), zeilen);
+    // Again, with rows in the table: the NAS window asks before its database is replaced, and
+    // Yes to the question of the transfer extends the table.
     m << laden(QMessageBox::Yes);
     EXPECT_EQ(h.fenster.Tabelle().Zeilenzahl(), 2 * zeilen);
     EXPECT_EQ(static_cast<std::size_t>(tabelle->model()->rowCount()), 2 * zeilen);
 }
 
-TEST(Gui, NasStapelUndKarteMeldenUndEndenOhneFrage) {
-    const std::tuple<Startart, bool, bool, const char*> fälle[] = {
-        {Startart::NasStapel, true, false, "Der NAS-Arbeitsbereich"},
-        {Startart::Karte, false, true, "Das Kartenfenster"},
-    };
-    for (const auto& [art, still, karte, was] : fälle) {
-        SCOPED_TRACE(was);
-        Hauptfenster h;
-        h.zustand.auftrag.art = art;
-        h.zustand.auftrag.StillModus = still;
-        h.zustand.auftrag.MapModus = karte;
-        Beantworter ok;
-        h.fenster.Starten();
-        test::Warten([&] { return h.exitcode.has_value(); });
-        EXPECT_FALSE(h.fenster.isVisible());
-        EXPECT_EQ(h.exitcode, 1);
-        EXPECT_EQ(ok.Beschreibungen(), QStringList{u"[Information] \"Flurix\" [OK*]: "_s +
-                                                   QText(NochNichtVerfügbar(was))})
-            << "the message, and no question to end";
-    }
+TEST(Gui, NasStapelLäuftImNasFensterUndEndetOhneFrage) {
+    Hauptfenster h;
+    const auto datei = NasMuster(h);
+    h.zustand.auftrag.art = Startart::NasStapel;
+    h.zustand.auftrag.StillModus = true;
+    h.zustand.auftrag.AusgabeGG = true;
+    h.zustand.auftrag.AuftragsDatei = datei.string();
+    Beantworter ok;
+    h.fenster.Starten();
+    test::Warten([&] { return h.exitcode.has_value(); });
+    EXPECT_FALSE(h.fenster.isVisible());
+    // Until the writer of the NAS drawing lands, the run ends with its notice and the .err file.
+    EXPECT_EQ(h.exitcode, 1);
+    ASSERT_FALSE(ok.boxen.empty());
+    EXPECT_EQ(ok.boxen.back().titel, u"Info ALKIS Export - muster.xml");
+    EXPECT_TRUE(std::filesystem::exists(nas::NasFehlerdatei(datei)));
+    EXPECT_FALSE(std::filesystem::exists(nas::NasAusgabedatei(datei, nas::NasAusgabe::Geograf)));
+}
+
+TEST(Gui, KarteMeldetUndEndetOhneFrage) {
+    Hauptfenster h;
+    h.zustand.auftrag.art = Startart::Karte;
+    h.zustand.auftrag.MapModus = true;
+    Beantworter ok;
+    h.fenster.Starten();
+    test::Warten([&] { return h.exitcode.has_value(); });
+    EXPECT_FALSE(h.fenster.isVisible());
+    EXPECT_EQ(h.exitcode, 1);
+    EXPECT_EQ(ok.Beschreibungen(), QStringList{u"[Information] \"Flurix\" [OK*]: "_s +
+                                               QText(NochNichtVerfügbar("Das Kartenfenster"))})
+        << "the message, and no question to end";
 }
 
 } // namespace

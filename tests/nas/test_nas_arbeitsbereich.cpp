@@ -11,7 +11,7 @@
 #include "core/kataster.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "core/programm.hpp"
-#include "gemeinsam/testumgebung.hpp"
+#include "gemeinsam/nas_installation.hpp"
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -30,20 +30,15 @@ using test::DateiSchreiben;
 
 const fs::path Muster = fs::path(FLURIX_QUELLEN) / "samples" / "musterstadt_nas.xml";
 
-/// An installation with the configuration of the source tree, a work folder and a scripted face.
-struct Arbeit {
-    test::TempOrdner ordner;
+/// The scratch installation with its state and a scripted face.
+struct Arbeit : test::NasInstallation {
     Programmzustand zustand{Installation{ordner / "inst"}};
     SkriptOberfläche ui;
 
-    Arbeit() {
-        fs::create_directories(ordner / "inst");
-        fs::copy(fs::path(FLURIX_QUELLEN) / "config", ordner / "inst" / "config", fs::copy_options::recursive);
-        zustand.arbeitsverzeichnis = ordner / "arbeit";
-        fs::create_directories(zustand.arbeitsverzeichnis);
-    }
+    Arbeit() { zustand.arbeitsverzeichnis = ordner / "arbeit"; }
     fs::path Kopie(const std::string& name) const {
-        fs::copy_file(Muster, ordner / name);
+        if (name != "muster.xml")
+            fs::copy_file(Muster, ordner / name);
         return ordner / name;
     }
     /// The work databases lying in the work folder.
