@@ -9,9 +9,11 @@
 #include "core/cp1252.hpp"
 #include "core/datenbank.hpp"
 #include "core/kataster.hpp"
+#include "core/kommandozeile.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "core/programm.hpp"
 #include "gemeinsam/nas_installation.hpp"
+#include "nas/gdal_testbezirk.hpp"
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -291,6 +293,39 @@ TEST(NasLauf, UnbeaufsichtigterLaufOhneAusgabeSchreibtFehlerdatei) {
     EXPECT_TRUE(fehler.starts_with(datei.string() + "\r\n")) << fehler;
     EXPECT_NE(fehler.find("GEOgraf-Export"), std::string::npos) << fehler;
     EXPECT_FALSE(fs::exists(NasAusgabedatei(datei, NasAusgabe::Geograf)));
+    EXPECT_EQ(a.Arbeitsdatenbanken(), 0);
+}
+
+TEST(NasLauf, StapellaufAufDemTestbezirk) {
+    const test::Bezirk bezirk = test::BezirkBereitstellen();
+    if (!bezirk.fehlt.empty())
+        GTEST_SKIP() << bezirk.fehlt;
+    ASSERT_EQ(bezirk.fehler, "");
+    Arbeit a;
+    // A link in the scratch folder: the run writes its protocol and .err beside its input.
+    const fs::path datei = a.ordner / "bezirk.xml";
+    fs::create_symlink(fs::absolute(bezirk.xml), datei);
+    {
+        NasArbeitsbereich bereich(a.zustand, a.ui);
+        bereich.interaktiv = false;
+        Auftrag job;
+        job.AuftragsDatei = datei.string();
+        job.AusgabeGG = true;
+        NasLaufbericht bericht;
+        EXPECT_FALSE(NasLauf(bereich, NasStapelauftrag(job), [](const auto&) { return Ergebnis::Ok(); }, bericht));
+        // Every feature of the file, counted by its member tag.
+        const std::string text = DateiLesen(bezirk.xml);
+        std::uint64_t mitglieder = 0;
+        for (auto stelle = text.find("<gml:featureMember>"); stelle != std::string::npos;
+             stelle = text.find("<gml:featureMember>", stelle + 1))
+            ++mitglieder;
+        EXPECT_EQ(bericht.direkt.stand.statistik.objekte, mitglieder);
+        EXPECT_GT(DAO_Zeilenzahl(bereich.Db(), "AX_Flurstueck"), 1'000);
+    }
+    const std::string protokoll = Cp1252NachUtf8(DateiLesen(NasProtokoll::DateiZu(datei)));
+    EXPECT_NE(protokoll.find("Export ALKIS/NAS nach Geograf..."), std::string::npos) << protokoll;
+    EXPECT_NE(Cp1252NachUtf8(DateiLesen(NasFehlerdatei(datei))).find("GEOgraf-Export"), std::string::npos);
+    EXPECT_EQ(fs::file_size(bezirk.xml), test::BezirkBytes) << "the input stays as it was";
     EXPECT_EQ(a.Arbeitsdatenbanken(), 0);
 }
 
