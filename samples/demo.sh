@@ -50,7 +50,7 @@ awk -F'\t' '
              $spalte["Straße"] ", " $spalte["Ort"], $spalte["Lagebezeichnung"], $spalte["Nutzungsart"] }' "$arbeit"/nas.tsv
 echo "-- Protokoll (Auszug) $(basename "$arbeit")/musterstadt_nas.xml.prn:"
 iconv -f WINDOWS-1252 -t UTF-8 "$arbeit"/musterstadt_nas.xml.prn | tr -d '\r' |
-    grep -v "Zeile ALKIS\|Zeile Zuordnung\|, Index: " | head -30
+    grep -v "Zeile ALKIS\|Zeile Zuordnung\|, Index: " | sed -n 1,30p
 echo
 # The register extract of the first parcel with three owners.
 fkz=$(awk -F'\t' 'NR == 1 { for (i = 1; i <= NF; i++) spalte[$i] = i; next }
@@ -59,5 +59,5 @@ echo "== flurix auszug nas.tsv --fkz $fkz"
 "$flurix" auszug "$arbeit"/nas.tsv --fkz "$fkz" --out "$arbeit"/nas_auszug.pdf 2>&1
 head -c 8 "$arbeit"/nas_auszug.pdf; echo " ($(stat -c %s "$arbeit"/nas_auszug.pdf) Byte)"
 if command -v pdftotext >/dev/null; then
-    pdftotext -layout "$arbeit"/nas_auszug.pdf - 2>/dev/null | grep -v '^\s*$' | head -40
+    pdftotext -layout "$arbeit"/nas_auszug.pdf - 2>/dev/null | grep -v '^\s*$' | sed -n 1,40p
 fi
