@@ -15,7 +15,7 @@ PAKETE=(
     qt6-base-dev qt6-translations-l10n libgl-dev xvfb xauth
     locales zip unzip xz-utils
     qpdf poppler-utils
-    sqlite3 python3 gdal-bin libsqlite3-mod-spatialite
+    sqlite3 python3 gdal-bin libsqlite3-mod-spatialite python3-ezdxf
 )
 
 setup() {
