@@ -207,18 +207,32 @@ TEST_F(CliGolden, Export) {
         aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", format, "--out", "<ordner>/aus/" + datei},
                            {{"aus/" + datei, "export_" + datei}}});
     aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", "txt-tab", "--out", "<ordner>/aus/a.txt"}});
+    // The GEOgraf batch file of text blocks: the row without coordinates goes to g.out.err and
+    // is counted in the warning. The time of the header comes from SOURCE_DATE_EPOCH.
+    DateiSchreiben(ordner / "g.tsv", "Gemarkung\tFlur\tFlurstück\tName\tRechtswert\tHochwert\n"
+                                     "Nord\t007\t00012/0003\tMüller, \"Hans\"\t456789.12\t5600000.5\n"
+                                     "Süd\t001\t00004/0000\tLang\t0\t0\n");
+    aufrufe.push_back({{"export", "<ordner>/g.tsv", "--format", "geograf", "--form", "ohne",
+                        "--spalten", "Flurstück,Name", "--ebene", "4", "--ohne-fuehrende-nullen",
+                        "--out", "<ordner>/aus/g.out"},
+                       {{"aus/g.out", "export_geograf_ohne.out"}, {"aus/g.out.err", "export_geograf_ohne.err"}}});
     aufrufe.push_back({{"export", "<ordner>/t.tsv", "--format", "txt-tab", "--out", "<ordner>/m.txt",
                         "--nur-markierte", "--ansicht", "nurname"}, {{"m.txt", "export_markiert_nurname.txt"}}});
     for (const std::vector<std::string>& falsch : std::vector<std::vector<std::string>>{
              {"--format", "xml", "--out", "<ordner>/x.xml", "--ansicht", "gibtsnicht"},
              {"--format", "txt-tab"}, {"--format", "pdf", "--out", "<ordner>/x.txt"},
              {"--format", "txt-tab", "--out", "<ordner>/fehlt/x.txt"},
-             {"--format", "geograf", "--out", "<ordner>/x.out"}}) {
+             {"--format", "geograf", "--out", "<ordner>/x.out"},
+             {"--format", "geograf", "--form", "ohne", "--out", "<ordner>/x.out"},
+             {"--format", "geograf", "--form", "stempel-c", "--out", "<ordner>/x.out"},
+             {"--format", "geograf", "--form", "ohne", "--spalten", "Name", "--art", "x", "--out", "<ordner>/x.out"}}) {
         aufrufe.push_back({{"export", "<ordner>/t.tsv"}});
         aufrufe.back().argumente.insert(aufrufe.back().argumente.end(), falsch.begin(), falsch.end());
     }
     aufrufe.push_back({{"export", "<ordner>/fehlt.fil", "--format", "xml", "--out", "<ordner>/x.xml"}});
+    ::setenv("SOURCE_DATE_EPOCH", "1706691600", 1);
     Laufen("export", aufrufe);
+    ::unsetenv("SOURCE_DATE_EPOCH");
 
     // The binary formats: a workbook and an SQLite file at exactly the named path.
     const std::pair<std::string, std::string> binär[] = {{"xlsx", "PK\x03\x04"},
