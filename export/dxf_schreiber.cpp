@@ -3,7 +3,6 @@
 #include "export/dxf_schreiber.hpp"
 
 #include "core/cp1252.hpp"
-#include "core/dateikanal.hpp"
 #include "core/fehler.hpp"
 #include "core/text.hpp"
 
@@ -17,9 +16,6 @@
 namespace flurix::ausgabe {
 
 namespace {
-
-// The buffer goes to the file past this size: large writes, one entity's lines at most above it.
-constexpr std::size_t Puffergröße = 1 << 16;
 
 bool AlsZahl(std::string_view s, long& zahl) {
     s = TrimmeLeerzeichen(s);
@@ -83,32 +79,11 @@ std::string DxfZahl(double wert) {
 
 } // namespace detail
 
-DxfSchreiber::DxfSchreiber(std::filesystem::path ziel)
-    : m_ziel(std::move(ziel)), m_temporär(m_ziel.string() + ".tmp"),
-      m_datei(std::make_unique<Dateikanal>(m_temporär, Dateikanal::Zweck::Schreiben)) {
-    m_puffer.reserve(Puffergröße * 2);
-}
-
-DxfSchreiber::~DxfSchreiber() {
-    if (m_fertig)
-        return;
-    try {
-        m_datei.reset();
-    } catch (...) {
-        // Nothing to report: the half-written file goes anyway.
-    }
-    std::error_code ec;
-    std::filesystem::remove(m_temporär, ec);
-}
-
-void DxfSchreiber::Leeren() {
-    m_datei->Schreiben(m_puffer.data(), m_puffer.size());
-    m_puffer.clear();
-}
+DxfSchreiber::DxfSchreiber(std::filesystem::path ziel) : m_datei(std::move(ziel)) {}
 
 void DxfSchreiber::Zeile(std::string_view text) {
-    m_puffer.append(text);
-    m_puffer.append("\r\n");
+    m_datei.Puffer().append(text);
+    m_datei.Puffer().append("\r\n");
 }
 
 void DxfSchreiber::Paar(std::string_view code, std::string_view wert) {
@@ -144,14 +119,13 @@ void DxfSchreiber::GanzzahlPaar(std::string_view code, int wert) {
 
 void DxfSchreiber::Kommentar() {
     Paar("999", "-------------------");
-    if (m_puffer.size() >= Puffergröße)
-        Leeren();
+    m_datei.Weiter();
 }
 
 void DxfSchreiber::Anfang(double xmin, double ymin, double xmax, double ymax) {
-    detail::DxfGerüst(m_puffer, detail::DxfZahl(xmin), detail::DxfZahl(ymin),
+    detail::DxfGerüst(m_datei.Puffer(), detail::DxfZahl(xmin), detail::DxfZahl(ymin),
                       detail::DxfZahl(xmax), detail::DxfZahl(ymax));
-    Leeren();
+    m_datei.Weiter();
 }
 
 void DxfSchreiber::AbschnittWechseln() {
@@ -167,15 +141,7 @@ void DxfSchreiber::Abschließen() {
     Paar("  0", "ENDSEC");
     Kommentar();
     Paar("  0", "EOF");
-    Leeren();
-    m_datei->Schließen();
-    m_datei.reset();
-    std::error_code ec;
-    std::filesystem::rename(m_temporär, m_ziel, ec);
-    if (ec)
-        throw Fehler("Die Datei \"" + m_ziel.string() + "\" kann nicht geschrieben werden (" +
-                     ec.message() + ")!");
-    m_fertig = true;
+    m_datei.Abschließen();
 }
 
 void DxfSchreiber::Punkt(std::string_view layer, int farbe, double x, double y) {

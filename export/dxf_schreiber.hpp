@@ -22,13 +22,14 @@
 // the decimal point whatever the locale, and never in exponent form ("5600000", "0.05", "-12.5"):
 // std::to_chars in fixed notation. Exponent forms ("5.6e+06") are refused by old CAD readers.
 
+#include "core/zieldatei.hpp"
+
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace flurix {
-class Dateikanal;
 }
 
 namespace flurix::ausgabe {
@@ -72,7 +73,7 @@ public:
     DxfSchreiber(DxfSchreiber&&) = delete;
     DxfSchreiber& operator=(DxfSchreiber&&) = delete;
     /// Without Abschließen(): closes and deletes the temporary file. Never throws.
-    ~DxfSchreiber();
+    ~DxfSchreiber() = default;
 
     /// HEADER with the drawing's extents ($EXTMIN/$LIMMIN, $EXTMAX/$LIMMAX), the TABLES section
     /// (LTYPE, LAYER, STYLE, VIEW), the BLOCKS section and the head of the ENTITIES section.
@@ -109,13 +110,8 @@ private:
     void ZahlPaar(std::string_view code, double wert);
     void GanzzahlPaar(std::string_view code, int wert);
     void Kommentar();
-    void Leeren();
 
-    std::filesystem::path m_ziel;
-    std::filesystem::path m_temporär;
-    std::unique_ptr<Dateikanal> m_datei;
-    std::string m_puffer;
-    bool m_fertig = false;
+    Zieldatei m_datei;
 };
 
 namespace detail {

@@ -1,5 +1,7 @@
 #include "export/geograf_out.hpp"
 
+#include "core/zieldatei.hpp"
+
 #include "core/cp1252.hpp"
 #include "core/kataster.hpp"
 #include "core/oberflaeche.hpp"
@@ -14,7 +16,6 @@
 #include <ctime>
 #include <fstream>
 #include <optional>
-#include <unistd.h>
 
 namespace flurix::ausgabe {
 namespace {
@@ -422,7 +423,7 @@ bool GeografFormAusName(std::string_view name, GeografForm& form) {
 
 Ergebnis WriteGeografOut(const Kataster& kataster, const GeografOptionen& optionen,
                          const std::filesystem::path& ziel, Oberfläche& ui) {
-    const std::filesystem::path temp = ziel.string() + ".tmp" + std::to_string(::getpid());
+    const std::filesystem::path temp = Zieldatei::Zwischenname(ziel);
     try {
         ui.Status(2, "0% ausgelesen  ");
         GeografSchreiber schreiber(kataster, optionen, ziel, ui);

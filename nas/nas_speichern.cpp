@@ -3,6 +3,7 @@
 #include "core/datenbank.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
+#include "core/zieldatei.hpp"
 #include "export/tabellenschreiber.hpp"
 #include "nas/nas_arbeitsbereich.hpp"
 #include "nas/nas_protokoll.hpp"
@@ -22,11 +23,6 @@ bool Weiter(Oberfläche& ui, std::string text, bool still = false) {
     frage.text = std::move(text);
     frage.titel = Titel;
     return ui.Frage(frage) == Antwort::Ja;
-}
-
-/// The temporary name beside the target: same folder, so that the rename is one step.
-std::filesystem::path Zwischenname(const std::filesystem::path& ziel) {
-    return ziel.parent_path() / ("~" + ziel.filename().string() + ".flurix-tmp");
 }
 
 void Umbenennen(const std::filesystem::path& zwischen, const std::filesystem::path& ziel) {
@@ -95,7 +91,7 @@ void Zeilenschreiben(Datenbank& db, const NasSpeicherauftrag& auftrag, const std
 }
 
 Ergebnis Schreiben(NasArbeitsbereich& bereich, const NasSpeicherauftrag& auftrag, Oberfläche& ui) {
-    const std::filesystem::path zwischen = Zwischenname(auftrag.ziel);
+    const std::filesystem::path zwischen = Zieldatei::Zwischenname(auftrag.ziel);
     switch (auftrag.format) {
     case NasZiel::Datenbank:
         ui.Status(1, "Bitte warten, Datenbank wird kopiert...");
@@ -173,7 +169,7 @@ Ergebnis ALKISspeichernUnter(NasArbeitsbereich& bereich, const NasSpeicherauftra
         return Schreiben(bereich, auftrag, ui);
     } catch (const std::exception& e) {
         std::error_code fehler;
-        std::filesystem::remove(Zwischenname(auftrag.ziel), fehler);
+        std::filesystem::remove(Zieldatei::Zwischenname(auftrag.ziel), fehler);
         ui.Meldung(e.what(), Titel, Stil::Fehler);
         return Ergebnis::Fehlschlag(e.what());
     }

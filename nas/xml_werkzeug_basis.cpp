@@ -13,7 +13,6 @@
 #include <cstring>
 #include <fstream>
 #include <system_error>
-#include <unistd.h>
 
 namespace flurix::nas::detail {
 namespace {
@@ -211,37 +210,6 @@ void Kennungsmenge::Wachsen() {
     for (const auto& schlüssel : alt)
         if (schlüssel.a != 0 || schlüssel.b != 0)
             Setzen(schlüssel);
-}
-
-Zieldatei::Zieldatei(fs::path ziel) : m_ziel(std::move(ziel)) {
-    m_temporär = m_ziel;
-    m_temporär += "." + std::to_string(::getpid()) + ".tmp";
-    m_kanal.emplace(m_temporär, Dateikanal::Zweck::Schreiben);
-    m_puffer.reserve(Blockgröße + (1u << 16));
-}
-
-Zieldatei::~Zieldatei() {
-    if (m_fertig)
-        return;
-    m_kanal.reset();
-    std::error_code fehler;
-    fs::remove(m_temporär, fehler);
-}
-
-void Zieldatei::Leeren() {
-    m_kanal->Schreiben(m_puffer.data(), m_puffer.size());
-    m_puffer.clear();
-}
-
-void Zieldatei::Abschließen() {
-    Leeren();
-    m_kanal->Schließen();
-    std::error_code fehler;
-    fs::rename(m_temporär, m_ziel, fehler);
-    if (fehler)
-        throw Fehler("Die Datei \"" + m_ziel.string() + "\" kann nicht geschrieben werden (" +
-                     fehler.message() + ")!   ");
-    m_fertig = true;
 }
 
 XmlAusgabe::XmlAusgabe(const fs::path& ziel, const XmlKopf& kopf)

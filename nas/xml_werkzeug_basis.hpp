@@ -4,7 +4,7 @@
 // set, the running status, and the checks and questions before a tool starts. Internal to the tools
 // (nas/xml_werkzeuge.hpp is their public face).
 
-#include "core/dateikanal.hpp"
+#include "core/zieldatei.hpp"
 #include "core/fehler.hpp"
 
 #include <chrono>
@@ -96,38 +96,6 @@ private:
 
     std::vector<Schlüssel> m_tabelle;
     std::size_t m_anzahl = 0;
-};
-
-/// A target written under a temporary name beside it (<ziel>.<pid>.tmp), in large blocks, and
-/// renamed when it is complete. Until then the target is untouched; the destructor removes the
-/// temporary file of a target not completed. Throws Fehler naming the file when writing fails.
-class Zieldatei {
-public:
-    explicit Zieldatei(std::filesystem::path ziel);
-    Zieldatei(const Zieldatei&) = delete;
-    Zieldatei& operator=(const Zieldatei&) = delete;
-    Zieldatei(Zieldatei&&) = delete;
-    Zieldatei& operator=(Zieldatei&&) = delete;
-    ~Zieldatei();
-
-    void Schreiben(std::string_view text) {
-        m_puffer.append(text);
-        if (m_puffer.size() >= Blockgröße)
-            Leeren();
-    }
-    /// Writes the rest, closes and renames to the target.
-    void Abschließen();
-    const std::filesystem::path& Ziel() const { return m_ziel; }
-
-private:
-    static constexpr std::size_t Blockgröße = 4u << 20;
-    void Leeren();
-
-    std::filesystem::path m_ziel;
-    std::filesystem::path m_temporär;
-    std::optional<Dateikanal> m_kanal;
-    std::string m_puffer;
-    bool m_fertig = false;
 };
 
 /// The XML target of merge, check and thinning: the head, then each feature in its member tags on a

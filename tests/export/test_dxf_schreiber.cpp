@@ -266,22 +266,23 @@ TEST(DxfSchreiber, AbschnittWechselnÖffnetNeueEntities) {
 // The target only changes when the drawing is whole; the temporary file never stays.
 TEST(DxfSchreiber, ZielErstNachAbschließen) {
     test::TempOrdner ordner;
+    const fs::path temporär = Zieldatei::Zwischenname(ordner / "karte.dxf");
     test::DateiSchreiben(ordner / "karte.dxf", "alt");
     {
         DxfSchreiber dxf(ordner / "karte.dxf");
         dxf.Anfang(0, 0, 1, 1);
         dxf.Punkt("0", 1, 0.5, 0.5);
-        EXPECT_TRUE(fs::exists(ordner / "karte.dxf.tmp"));
+        EXPECT_TRUE(fs::exists(temporär));
     }
     EXPECT_EQ(DateiLesen(ordner / "karte.dxf"), "alt");
-    EXPECT_FALSE(fs::exists(ordner / "karte.dxf.tmp"));
+    EXPECT_FALSE(fs::exists(temporär));
     {
         DxfSchreiber dxf(ordner / "karte.dxf");
         dxf.Anfang(0, 0, 1, 1);
         dxf.Abschließen();
     }
     EXPECT_EQ(DateiLesen(ordner / "karte.dxf").substr(0, 20), "  0\r\nSection\r\n  2\r\nH");
-    EXPECT_FALSE(fs::exists(ordner / "karte.dxf.tmp"));
+    EXPECT_FALSE(fs::exists(temporär));
 }
 
 TEST(DxfSchreiber, OrdnerFehltGibtFehlerMitDateiname) {
@@ -290,7 +291,7 @@ TEST(DxfSchreiber, OrdnerFehltGibtFehlerMitDateiname) {
         DxfSchreiber dxf(ordner / "fehlt" / "karte.dxf");
         FAIL() << "kein Fehler";
     } catch (const Fehler& f) {
-        EXPECT_NE(std::string(f.what()).find("karte.dxf.tmp"), std::string::npos) << f.what();
+        EXPECT_NE(std::string(f.what()).find(Zieldatei::Zwischenname("karte.dxf").string()), std::string::npos) << f.what();
     }
 }
 

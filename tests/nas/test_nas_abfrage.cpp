@@ -427,14 +427,5 @@ TEST(NasGrid, ZahlenspaltenNachDeklariertemTyp) {
     }
 }
 
-TEST(NasGrid, WarnungVorGroßerTabelle) {
-    const Fragestellung frage = VisualisierungAbbrechenFrage("Alkis");
-    EXPECT_EQ(frage.titel, "Flurix-NAS");
-    EXPECT_EQ(frage.text, "Aufgrund der großen Datenmenge kann die Visualisierung der Tabelle "
-                          "\"Alkis\" zum Einfrieren des Programms führen!\n"
-                          "Wollen Sie die Visualisierung abbrechen?");
-    EXPECT_EQ(frage.knöpfe, Knöpfe::JaNein);
-}
-
 } // namespace
 } // namespace flurix::nas
