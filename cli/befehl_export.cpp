@@ -21,14 +21,6 @@
 namespace flurix::cli {
 namespace {
 
-// --nur-markierte: the marked rows become the selection, as marks do for the GEOgraf export.
-std::size_t MarkierteAuswählen(Kataster& kataster) {
-    kataster.AuswahlLeeren();
-    for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z)
-        kataster.Auswählen(z, Markiert(kataster, z));
-    return kataster.AnzahlAusgewählt();
-}
-
 // A whole number of an option in the 16 bits GEOgraf keeps Art and Ebene in; false when it is none.
 bool GanzeZahl(const std::string& text, int& wert) {
     int zahl = 0;
@@ -104,11 +96,10 @@ std::optional<ausgabe::GeografOptionen> GeografOptionenLesen(const Argumente& ar
 
 int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
                  const Umgebung& umgebung) {
-    const auto args =
-        ArgumenteLesen(argumente, {"--nur-markierte", "--ohne-fuehrende-nullen", "--eine-zeile"},
-                       {"--format", "--out", "--ansicht", "--form", "--spalten", "--art", "--ebene",
-                        "--mkz"},
-                       fehler);
+    const auto args = ArgumenteLesen(
+        argumente, {"--nur-markierte", "--ohne-fuehrende-nullen", "--eine-zeile"},
+        {"--format", "--out", "--ansicht", "--form", "--spalten", "--art", "--ebene", "--mkz"},
+        fehler);
     if (!args)
         return 2;
     const auto formatName = args->Wert("--format");
@@ -155,10 +146,10 @@ int BefehlExport(const std::vector<std::string>& argumente, std::ostream& aus, s
         const ausgabe::Speicherumgebung ort{
             sitzung.zustand.arbeitsverzeichnis, ausgabe::Zielname::WieAngegeben,
             [&](const Kataster& k, const std::filesystem::path& ziel) {
-                return ausgabe::WriteGeografOut(k, *geograf, ziel, sitzung.ui);
+                return ausgabe::GeografSpeichern(k, *geograf, ziel, sitzung.ui);
             }};
-        ergebnis = ausgabe::ALBDatenSpeichernUnter(kataster, ausgabe::Speicherformat::Geograf,
-                                                   *out, ort, sitzung.ui);
+        ergebnis = ausgabe::ALBDatenSpeichernUnter(kataster, ausgabe::Speicherformat::Geograf, *out,
+                                                   ort, sitzung.ui);
     } else {
         ergebnis = TabelleSchreiben(kataster, *format, *out, sitzung);
     }

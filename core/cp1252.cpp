@@ -73,6 +73,13 @@ void Utf8Anhängen(std::string& ziel, char32_t c) {
 
 
 std::string Cp1252NachUtf8(std::string_view text) {
+    // Most lines of most files are ASCII: an OR over the bytes (vectorised) tells, and such a
+    // line is copied whole.
+    unsigned char oder = 0;
+    for (char ch : text)
+        oder |= static_cast<unsigned char>(ch);
+    if (oder < 0x80)
+        return std::string(text);
     std::string ergebnis;
     ergebnis.reserve(text.size() + text.size() / 8);
     for (char ch : text) {

@@ -81,6 +81,13 @@ bool Markiert(const Kataster& kataster, std::size_t zeile) {
     return spalte && IstMarke(kataster.Zelle(zeile, *spalte));
 }
 
+std::size_t MarkierteAuswählen(Kataster& kataster) {
+    kataster.AuswahlLeeren();
+    for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z)
+        kataster.Auswählen(z, Markiert(kataster, z));
+    return kataster.AnzahlAusgewählt();
+}
+
 std::size_t MarkierungsspalteSicherstellen(Kataster& kataster) {
     const auto vorhanden = kataster.SpaltenIndex(SpalteMarkierung);
     KatasterSpalte neu(std::string(SpalteMarkierung), "", 600);
@@ -271,7 +278,9 @@ Listenergebnis DbMarkierungLaden(Kataster& kataster, const std::filesystem::path
     Listenergebnis ergebnis;
     const std::string pfad = liste.string();
     std::string fehlerliste;
-    const auto fehlerlisteSchreiben = [&] { DateiSchreiben(pfad + ".err", Utf8NachCp1252(fehlerliste)); };
+    const auto fehlerlisteSchreiben = [&] {
+        DateiSchreiben(pfad + ".err", Utf8NachCp1252(fehlerliste));
+    };
     try {
         if (!DateiVorhanden(liste))
             throw Fehler("Die Flurstücksliste \"" + pfad + "\" kann nicht gelesen werden!   ");

@@ -33,6 +33,10 @@ bool IstMarke(std::string_view zelle);
 /// True when the row has a mark; false when the table has no `checkdruck` column.
 bool Markiert(const Kataster& kataster, std::size_t zeile);
 
+/// The marked rows become the selection (rows without a mark are deselected), as they do before the
+/// GEOgraf export; returns how many rows are selected now.
+std::size_t MarkierteAuswählen(Kataster& kataster);
+
 /// The index of `checkdruck`; a table without it (a saved table of an older kind) gets it at the
 /// end: empty caption, width 600, centred, a check box column.
 std::size_t MarkierungsspalteSicherstellen(Kataster& kataster);

@@ -16,9 +16,13 @@ Zieldatei::Zieldatei(std::filesystem::path ziel)
     : m_ziel(std::move(ziel)), m_temporär(Zwischenname(m_ziel)) {
     m_kanal.emplace(m_temporär, Dateikanal::Zweck::Schreiben);
     m_puffer.reserve(Blockgröße + (1u << 16));
+    m_unterwegs.reserve(Blockgröße + (1u << 16));
 }
 
 Zieldatei::~Zieldatei() {
+    // The block on its way uses the channel and the buffer.
+    if (m_auftrag.valid())
+        m_auftrag.wait();
     if (m_fertig)
         return;
     try {
@@ -30,13 +34,24 @@ Zieldatei::~Zieldatei() {
     std::filesystem::remove(m_temporär, fehler);
 }
 
+void Zieldatei::Abwarten() {
+    if (m_auftrag.valid())
+        m_auftrag.get();
+}
+
 void Zieldatei::Leeren() {
-    m_kanal->Schreiben(m_puffer.data(), m_puffer.size());
+    Abwarten();
+    if (m_puffer.empty())
+        return;
+    m_puffer.swap(m_unterwegs);
     m_puffer.clear();
+    m_auftrag = std::async(std::launch::async,
+                           [this] { m_kanal->Schreiben(m_unterwegs.data(), m_unterwegs.size()); });
 }
 
 void Zieldatei::Abschließen() {
     Leeren();
+    Abwarten();
     m_kanal->Schließen();
     std::error_code fehler;
     std::filesystem::rename(m_temporär, m_ziel, fehler);

@@ -1,10 +1,15 @@
 #pragma once
 // A file the user gets whole or not at all: written under a temporary name beside the target, in
 // large blocks, and renamed when it is complete. Until then an older target stays as it was.
+//
+// A full block goes to the system on a second thread while the writer fills the next one: on
+// files of hundreds of megabytes the copy into the page cache costs as much as making the text,
+// and the two then overlap.
 
 #include "core/dateikanal.hpp"
 
 #include <filesystem>
+#include <future>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,7 +38,7 @@ public:
     }
     /// The buffer, for writers that build their text in place; Weiter() after appending.
     std::string& Puffer() { return m_puffer; }
-    /// Hands a full buffer to the file.
+    /// Hands a full buffer to the file. Throws Fehler when an earlier block could not be written.
     void Weiter() {
         if (m_puffer.size() >= Blockgröße)
             Leeren();
@@ -45,11 +50,15 @@ public:
 private:
     static constexpr std::size_t Blockgröße = 4u << 20;
     void Leeren();
+    /// Waits for the block on its way; rethrows its failure.
+    void Abwarten();
 
     std::filesystem::path m_ziel;
     std::filesystem::path m_temporär;
     std::optional<Dateikanal> m_kanal;
     std::string m_puffer;
+    std::string m_unterwegs; ///< the block the second thread writes
+    std::future<void> m_auftrag;
     bool m_fertig = false;
 };
 

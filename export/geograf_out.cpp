@@ -34,6 +34,19 @@ std::string Zahltext(double wert) {
 
 std::string Ganzzahltext(long long wert) { return std::to_string(wert); }
 
+// A whole number as text without a heap string: the stamp writes seven of them a line.
+class Nummer {
+public:
+    explicit Nummer(long long wert)
+        : m_länge(static_cast<std::size_t>(std::to_chars(m_text, m_text + sizeof m_text, wert).ptr -
+                                           m_text)) {}
+    operator std::string_view() const { return {m_text, m_länge}; }
+
+private:
+    char m_text[24];
+    std::size_t m_länge;
+};
+
 // A position in ten-thousandths written in its shortest form with a point: 1462970 -> "146.297".
 std::string Zehntausendstel(long long wert) {
     std::string text = wert < 0 ? "-" : "";
@@ -119,14 +132,19 @@ public:
         for (std::size_t i = 0; i < std::size(FesteSpalten); ++i)
             m_fest[i] = kataster.SpaltenIndex(FesteSpalten[i]);
         m_auswahl = kataster.AnzahlAusgewählt() > 0;
+        for (std::size_t i = 0; i < std::size(Stempelspalten); ++i) {
+            const Stempelspalte& sp = Stempelspalten[i];
+            m_stücke[i] = {": ," + m_ea + "," + sp.x + ",", std::string(",") + sp.x + ",",
+                           ",100.000000,0,0," + std::to_string(sp.ausrichtung) + ",0,,0,,,,,,,",
+                           std::string(": ,0.1,") + sp.x + ","};
+        }
     }
 
-    // Writes the whole file to `temp`; throws Ausgabefehler.
-    void Schreiben(const std::filesystem::path& temp) {
-        m_datei.open(temp, std::ios::binary | std::ios::trunc);
-        if (!m_datei)
-            throw Ausgabefehler{errno,
-                                "Die Datei " + temp.string() + " kann nicht angelegt werden"};
+    // Writes the whole file under a temporary name and renames it to the target; throws
+    // Ausgabefehler or Fehler.
+    void Schreiben() {
+        Zieldatei datei(m_ziel);
+        m_puffer = &datei.Puffer();
         const std::size_t zeilen = m_k.Zeilenzahl();
         long long k = 1;
         for (std::size_t r = 0; r < zeilen; ++r) {
@@ -143,14 +161,9 @@ public:
             else
                 Textblock(r, k);
             ++k;
-            if (m_puffer.size() > (1u << 20))
-                Leeren();
+            datei.Weiter();
         }
-        Leeren();
-        m_datei.close();
-        if (!m_datei)
-            throw Ausgabefehler{errno, "Die Datei " + temp.string() +
-                                           " ist nicht vollständig geschrieben"};
+        datei.Abschließen();
     }
 
     std::size_t OhneKoordinaten() const { return m_ohneKoordinaten; }
@@ -193,25 +206,24 @@ private:
     // joining them through temporaries first would cost more than writing them.
     void Zeile(std::initializer_list<std::string_view> teile) {
         for (std::string_view teil : teile) {
-            bool ascii = true;
+            // An OR over the bytes, which the compiler vectorises, tells whether any is not ASCII.
+            unsigned char oder = 0;
             for (char c : teil)
-                ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-            if (ascii)
-                m_puffer += teil;
+                oder |= static_cast<unsigned char>(c);
+            if (oder < 0x80)
+                *m_puffer += teil;
             else
-                m_puffer += Utf8NachCp1252(teil);
+                *m_puffer += Utf8NachCp1252(teil);
         }
-        m_puffer += "\r\n";
+        *m_puffer += "\r\n";
+    }
+    // A line of pieces that are ASCII by making: our numbers and fixed texts.
+    void AsciiZeile(std::initializer_list<std::string_view> teile) {
+        for (std::string_view teil : teile)
+            *m_puffer += teil;
+        *m_puffer += "\r\n";
     }
     void Zeile(std::string_view utf8) { Zeile({utf8}); }
-    void Leeren() {
-        m_datei.write(m_puffer.data(), static_cast<std::streamsize>(m_puffer.size()));
-        m_puffer.clear();
-        if (!m_datei)
-            throw Ausgabefehler{errno,
-                                "Die Datei " + m_ziel.string() + " kann nicht geschrieben werden"};
-    }
-
     void Kopf() {
         std::string datum = m_opt.datum, uhrzeit = m_opt.uhrzeit;
         if (datum.empty() || uhrzeit.empty()) {
@@ -346,19 +358,17 @@ private:
         const std::string y = Zehntausendstel(y0 - (k - 1) * 35000);
         const long long erster = m_text;
         for (int i = 0; i < 7; ++i) {
-            const std::string n = Ganzzahltext(m_text++);
-            const auto& sp = Stempelspalten[i];
-            const char ausrichtung[2] = {static_cast<char>('0' + sp.ausrichtung), '\0'};
-            Zeile({"TE", n, ": ,", m_ea, ",", sp.x, ",", y, ",", sp.x, ",", y, ",100.000000,0,0,",
-                   ausrichtung, ",0,,0,,,,,,,", n, ","});
+            const Nummer n(m_text++);
+            const Stempelstücke& st = m_stücke[static_cast<std::size_t>(i)];
+            AsciiZeile({"TE", n, st.vorY, y, st.zwischenY, y, st.nachY, n, ","});
             Zeile({"  TX", n, ": ", Einzeilig(texte[i])});
             if (i == 0)
-                Zeile({"PK", n, ": ,0.1,", sp.x, ",", y, ",,,0,0,,,,,,0,,0,,0,0,,1,0,0,0,,,,"});
+                AsciiZeile({"PK", n, st.punktVorY, y, ",,,0,0,,,,,,0,,0,,0,0,,1,0,0,0,,,,"});
         }
-        const std::string o = Ganzzahltext(k);
-        Zeile({"OO", o, ": \"ALB\" ,", m_ea, ",", Stempelspalten[0].x, ",", y, ",0,,,,,,,,T"});
+        const Nummer o(k);
+        AsciiZeile({"OO", o, ": \"ALB\" ,", m_ea, ",", Stempelspalten[0].x, ",", y, ",0,,,,,,,,T"});
         for (long long t = erster; t < m_text; ++t)
-            Zeile({"  OR", o, ": TE=", Ganzzahltext(t), ",1"});
+            AsciiZeile({"  OR", o, ": TE=", Nummer(t), ",1"});
         if (k == 10 && m_opt.form == GeografForm::StempelA)
             m_ui.Meldung(
                 "Bitte nutzen Sie StempelB! Es werden mehr als 9 Datenzeilen ausgegeben!   ",
@@ -398,8 +408,13 @@ private:
     std::optional<std::size_t> m_fest[std::size(FesteSpalten)];
     std::string m_ea;
     bool m_auswahl = false;
-    std::ofstream m_datei;
-    std::string m_puffer;
+    std::string* m_puffer = nullptr; ///< of the target file while it is written
+    // The fixed pieces of a stamp column's lines around the row's y, made once: a stamp line
+    // would otherwise append twice as many pieces.
+    struct Stempelstücke {
+        std::string vorY, zwischenY, nachY, punktVorY;
+    };
+    std::array<Stempelstücke, std::size(Stempelspalten)> m_stücke;
     long long m_text = 1;
     std::size_t m_ohneKoordinaten = 0;
 };
@@ -423,17 +438,14 @@ bool GeografFormAusName(std::string_view name, GeografForm& form) {
 
 Ergebnis WriteGeografOut(const Kataster& kataster, const GeografOptionen& optionen,
                          const std::filesystem::path& ziel, Oberfläche& ui) {
-    const std::filesystem::path temp = Zieldatei::Zwischenname(ziel);
+    const auto fehlschlag = [&ui](std::string text) {
+        ui.Meldung(text, ProduktTitel, Stil::Fehler);
+        return Ergebnis::Fehlschlag(std::move(text));
+    };
     try {
         ui.Status(2, "0% ausgelesen  ");
         GeografSchreiber schreiber(kataster, optionen, ziel, ui);
-        schreiber.Schreiben(temp);
-        std::error_code ec;
-        std::filesystem::rename(temp, ziel, ec);
-        if (ec)
-            throw Ausgabefehler{ec.value(), "Die Datei " + ziel.string() +
-                                                " kann nicht ersetzt werden (" + ec.message() +
-                                                ")"};
+        schreiber.Schreiben();
         ui.Status(2, "100% ausgelesen  ");
         if (const std::size_t m = schreiber.OhneKoordinaten(); m > 0)
             ui.Meldung("Es wurden " + std::to_string(m) +
@@ -446,19 +458,11 @@ Ergebnis WriteGeografOut(const Kataster& kataster, const GeografOptionen& option
         ui.Status(2, "Datei " + stamm + ".out erzeugt   ");
         return Ergebnis::Ok();
     } catch (const Ausgabefehler& f) {
-        std::error_code ec;
-        std::filesystem::remove(temp, ec);
-        std::string text =
+        return fehlschlag(
             "GeografAusgabe ErrNr: " + std::to_string(f.nummer) + " " + f.text +
-            (f.nummer != 0 ? std::string(" (") + std::strerror(f.nummer) + ")" : "") + "!   ";
-        ui.Meldung(text, ProduktTitel, Stil::Fehler);
-        return Ergebnis::Fehlschlag(std::move(text));
+            (f.nummer != 0 ? std::string(" (") + std::strerror(f.nummer) + ")" : "") + "!   ");
     } catch (const std::exception& e) {
-        std::error_code ec;
-        std::filesystem::remove(temp, ec);
-        std::string text = std::string("GeografAusgabe ErrNr: 0 ") + e.what() + "   ";
-        ui.Meldung(text, ProduktTitel, Stil::Fehler);
-        return Ergebnis::Fehlschlag(std::move(text));
+        return fehlschlag(std::string("GeografAusgabe ErrNr: 0 ") + e.what());
     }
 }
 

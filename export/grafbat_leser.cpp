@@ -16,16 +16,18 @@ bool Ziffer(char c) { return c >= '0' && c <= '9'; }
 } // namespace
 
 std::vector<std::string> GrafbatFelder(std::string_view text) {
-    std::vector<std::string> felder(1);
+    std::vector<std::string> felder;
     bool inAnführung = false;
-    for (char c : text) {
-        if (c == '"')
+    std::size_t anfang = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"') {
             inAnführung = !inAnführung;
-        if (c == ',' && !inAnführung)
-            felder.emplace_back();
-        else
-            felder.back() += c;
+        } else if (text[i] == ',' && !inAnführung) {
+            felder.emplace_back(text.substr(anfang, i - anfang));
+            anfang = i + 1;
+        }
     }
+    felder.emplace_back(text.substr(anfang));
     return felder;
 }
 

@@ -3,6 +3,7 @@
 #include "core/kataster.hpp"
 #include "core/kataster_datei.hpp"
 #include "core/oberflaeche.hpp"
+#include "export/geograf_out.hpp"
 #include "export/tabellenschreiber.hpp"
 
 #include <atomic>
@@ -16,9 +17,12 @@ namespace {
 // The title of the question about visible columns, per format.
 std::string SpaltenfrageTitel(Speicherformat format) {
     switch (format) {
-    case Speicherformat::TextTab: return "Export-Spaltentrenner: TAB";
-    case Speicherformat::TextDollar: return "Export-Spaltentrenner: $";
-    default: return ProduktTitel;
+    case Speicherformat::TextTab:
+        return "Export-Spaltentrenner: TAB";
+    case Speicherformat::TextDollar:
+        return "Export-Spaltentrenner: $";
+    default:
+        return ProduktTitel;
     }
 }
 
@@ -36,11 +40,10 @@ bool Bestätigt(const Kataster& kataster, Speicherformat format, Oberfläche& ui
                  SpaltenfrageTitel(format)))
         return false;
     const std::size_t ausgewählt = kataster.AnzahlAusgewählt();
-    return ausgewählt == 0 ||
-           Gefragt(ui,
-                   "Es werden alle (" + std::to_string(ausgewählt) +
-                       ") selektierten Datenzeilen ausgegeben! Weiter?   ",
-                   ProduktTitel);
+    return ausgewählt == 0 || Gefragt(ui,
+                                      "Es werden alle (" + std::to_string(ausgewählt) +
+                                          ") selektierten Datenzeilen ausgegeben! Weiter?   ",
+                                      ProduktTitel);
 }
 
 bool OrdnerBeschreibbar(const std::filesystem::path& datei) {
@@ -75,7 +78,9 @@ void Schreiben(const Kataster& kataster, Speicherformat format, const std::files
     case Speicherformat::Excel:
         schreiber = std::make_unique<XlsxSchreiber>(ziel, spalten, umgebung.arbeitsverzeichnis);
         break;
-    default: schreiber = std::make_unique<XmlSchreiber>(ziel, spalten); break;
+    default:
+        schreiber = std::make_unique<XmlSchreiber>(ziel, spalten);
+        break;
     }
     // The grid is read out row by row: the status bar shows how far.
     TabelleSchreiben(kataster, auswahl, *schreiber, &ui, "% ausgelesen  ");
@@ -85,13 +90,19 @@ void Schreiben(const Kataster& kataster, Speicherformat format, const std::files
 
 std::string_view Endung(Speicherformat format) {
     switch (format) {
-    case Speicherformat::Geograf: return ".out";
+    case Speicherformat::Geograf:
+        return ".out";
     case Speicherformat::TextTab:
-    case Speicherformat::TextDollar: return ".txt";
-    case Speicherformat::Excel: return ".xlsx";
-    case Speicherformat::Xml: return ".xml";
-    case Speicherformat::Flurix: return ".fil";
-    case Speicherformat::Access: return ".mdb";
+    case Speicherformat::TextDollar:
+        return ".txt";
+    case Speicherformat::Excel:
+        return ".xlsx";
+    case Speicherformat::Xml:
+        return ".xml";
+    case Speicherformat::Flurix:
+        return ".fil";
+    case Speicherformat::Access:
+        return ".mdb";
     }
     return {};
 }
@@ -158,6 +169,19 @@ Ergebnis ALBDatenSpeichernUnter(const Kataster& kataster, Speicherformat format,
     }
 }
 
+Ergebnis GeografSpeichern(const Kataster& kataster, const GeografOptionen& optionen,
+                          const std::filesystem::path& ziel, Oberfläche& ui) {
+    const std::size_t ausgewählt = kataster.AnzahlAusgewählt();
+    const std::string frage = ausgewählt > 0
+                                  ? "Es werden alle (" + std::to_string(ausgewählt) +
+                                        ") selektierten Datenzeilen ausgegeben! Weiter?   "
+                                  : "Es werden alle (" + std::to_string(kataster.Zeilenzahl()) +
+                                        ") Datenzeilen ausgegeben! Weiter?   ";
+    if (!Gefragt(ui, frage, std::string(ProduktTitel)))
+        return Ergebnis::Abbruch();
+    return WriteGeografOut(kataster, optionen, ziel, ui);
+}
+
 void ExportGridToAccess(const Kataster& kataster, const std::filesystem::path& ziel,
                         const std::filesystem::path& arbeitsverzeichnis, Oberfläche& ui) {
     static std::atomic<unsigned> zähler{0};
@@ -212,8 +236,8 @@ Ergebnis CreateGridReport(const Kataster& kataster, const std::filesystem::path&
         TabelleSchreiben(kataster, auswahl, schreiber, &ui, "% ausgelesen  ");
         return Ergebnis::Ok();
     } catch (const std::exception& e) {
-        std::string text = "Der Bericht " + datei.string() + " kann nicht erzeugt werden: " +
-                           e.what() + "   ";
+        std::string text =
+            "Der Bericht " + datei.string() + " kann nicht erzeugt werden: " + e.what() + "   ";
         ui.Meldung(text, ProduktTitel, Stil::Fehler);
         return Ergebnis::Fehlschlag(std::move(text));
     }

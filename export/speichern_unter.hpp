@@ -19,6 +19,8 @@ class Oberfläche;
 
 namespace flurix::ausgabe {
 
+struct GeografOptionen;
+
 /// The filter entries of the save dialog, numbered as the dialog numbers them (from 1).
 enum class Speicherformat {
     Geograf = 1,    ///< "Geograf (*.out)": the GEOgraf batch file
@@ -90,6 +92,13 @@ struct Speicherumgebung {
 Ergebnis ALBDatenSpeichernUnter(const Kataster& kataster, Speicherformat format,
                                 const std::filesystem::path& gewählt,
                                 const Speicherumgebung& umgebung, Oberfläche& ui);
+
+/// The GEOgraf branch after its dialog: asks "Es werden alle (" + n + ") selektierten
+/// Datenzeilen ausgegeben! Weiter?   " when rows are selected, else "Es werden alle (" + n + ")
+/// Datenzeilen ausgegeben! Weiter?   " with n the row count (title "Flurix", Yes and No), and on
+/// Yes writes `ziel` (WriteGeografOut). Returns Abgebrochen for a No.
+Ergebnis GeografSpeichern(const Kataster& kataster, const GeografOptionen& optionen,
+                          const std::filesystem::path& ziel, Oberfläche& ui);
 
 /// The Access export: the visible columns and the selected rows (all when none is selected) into a
 /// new database file at `ziel` (replaced when it exists) with the table "ACCESS" (AccessSchreiber).

@@ -176,7 +176,8 @@ public:
     void SpeichernUnterDialog();
     /// ALBDatenSpeichernUnter of the table in the format of filter `filter` (its description, as
     /// the dialog returns it) under `gewählt`, with the questions through the UI port. A filter
-    /// that names none of the formats saves nothing and returns Fehler.
+    /// that names none of the formats saves nothing and returns Fehler. The GEOgraf entry shows
+    /// FormExportGG first (GeografAusgeben).
     Ergebnis SpeichernUnter(const QString& filter, const std::filesystem::path& gewählt);
     /// btnBericht: the HTML report (CreateGridReport) into `datei`, then opened in the browser.
     Ergebnis Bericht(const std::filesystem::path& datei);
@@ -240,6 +241,10 @@ private:
     /// Work that replaces, reorders or re-columns the table: the model is reset around it, the
     /// scroll position kept.
     void Umbauen(const std::function<void()>& arbeit);
+    /// The GEOgraf branch of SpeichernUnter: the export dialog; in mark mode (a row is marked) the
+    /// marks become the selection, and a table sorted by a header click is sorted by the stamp
+    /// numbers first; then the question and stem + ".out".
+    Ergebnis GeografAusgeben(const std::filesystem::path& gewählt);
     /// Work on cells (marks) and the selection: the grid repaints and shows the selection.
     void Zellenarbeit(const std::function<void()>& arbeit);
     /// After a reset: widths and selection of the table into the grid.

@@ -3,9 +3,13 @@
 
 #include "gui/form_datenbank.hpp"
 
+#include "core/benutzereinstellungen.hpp"
+#include "core/markierung.hpp"
 #include "core/oberflaeche.hpp"
+#include "export/geograf_out.hpp"
 #include "export/speichern_unter.hpp"
 #include "gui/dateifilter.hpp"
+#include "gui/form_export_gg.hpp"
 #include "gui/qt_oberflaeche.hpp"
 #include "gui/qt_text.hpp"
 #include "report/registerauszug.hpp"
@@ -20,10 +24,9 @@
 namespace flurix::gui {
 
 void FormDatenbank::AusgabeAnlegen() {
-    QAction* speichern =
-        Befehl(QStringLiteral("btnSpeichernUnter"), QStyle::SP_DriveHDIcon,
-               QStringLiteral("Speichern"),
-               QStringLiteral("Tabelle speichern unter: Text, Excel, XML, Flurix, Access"));
+    QAction* speichern = Befehl(
+        QStringLiteral("btnSpeichernUnter"), QStyle::SP_DriveHDIcon, QStringLiteral("Speichern"),
+        QStringLiteral("Tabelle speichern unter: Geograf, Text, Excel, XML, Flurix, Access"));
     speichern->setShortcut(QKeySequence::SaveAs);
     QAction* bericht = Befehl(QStringLiteral("btnBericht"), QStyle::SP_FileDialogContentsView,
                               QStringLiteral("Bericht"),
@@ -40,8 +43,7 @@ void FormDatenbank::AusgabeAnlegen() {
 
 void FormDatenbank::DateiZeigen(const std::filesystem::path& datei) {
     // Without a screen no viewer could be seen, and a test must not start one.
-    if (QGuiApplication::platformName() == QStringLiteral("offscreen") &&
-        !m_dateiÖffnenGesetzt)
+    if (QGuiApplication::platformName() == QStringLiteral("offscreen") && !m_dateiÖffnenGesetzt)
         return;
     if (m_dateiÖffnen)
         m_dateiÖffnen(QUrl::fromLocalFile(QPfad(datei)));
@@ -60,19 +62,55 @@ void FormDatenbank::SpeichernUnterDialog() {
     SpeichernUnter(gewählt, PfadAus(datei));
 }
 
-Ergebnis FormDatenbank::SpeichernUnter(const QString& filter, const std::filesystem::path& gewählt) {
+Ergebnis FormDatenbank::SpeichernUnter(const QString& filter,
+                                       const std::filesystem::path& gewählt) {
     const int nummer = FilterNummer(QtDateifilterListe(ausgabe::SpeicherFilter), filter);
     if (nummer < 1)
         return Ergebnis::Fehlschlag("Kein Speicherformat: " + Utf8(filter));
     ausgabe::Speicherumgebung umgebung;
     umgebung.arbeitsverzeichnis = m_zustand.arbeitsverzeichnis;
+    umgebung.geograf = [this](const Kataster&, const std::filesystem::path& ziel) {
+        return GeografAusgeben(ziel);
+    };
     // The questions may take a while to answer: no other command meanwhile.
     Sperren(true);
-    const Ergebnis ergebnis =
-        ausgabe::ALBDatenSpeichernUnter(m_kataster, static_cast<ausgabe::Speicherformat>(nummer),
-                                        gewählt, umgebung, m_ui);
+    const Ergebnis ergebnis = ausgabe::ALBDatenSpeichernUnter(
+        m_kataster, static_cast<ausgabe::Speicherformat>(nummer), gewählt, umgebung, m_ui);
     Sperren(false);
     return ergebnis;
+}
+
+Ergebnis FormDatenbank::GeografAusgeben(const std::filesystem::path& gewählt) {
+    const Benutzereinstellungen einstellungen(m_benutzerordner);
+    FormExportGG dialog(FormExportGG::Gespeichert(einstellungen), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return Ergebnis::Abbruch();
+    const ausgabe::GeografOptionen optionen = dialog.Optionen();
+    try {
+        FormExportGG::Speichern(einstellungen, optionen);
+    } catch (const std::exception& e) {
+        // The choice stands even when it can't be kept for the next time.
+        m_ui.Meldung(e.what(), ProduktTitel, Stil::Warnung);
+    }
+    bool markiert = false;
+    for (std::size_t z = 0; z < m_kataster.Zeilenzahl() && !markiert; ++z)
+        markiert = Markiert(m_kataster, z);
+    if (markiert) {
+        if (!m_einzelsortierung.empty()) {
+            const bool absteigend = m_absteigend;
+            Umbauen([&] {
+                m_kataster.Sortieren("ID_GG,Flurstück,BVNR,Anteil_Grundstück,Name", absteigend);
+            });
+            SortierungZeigen();
+        }
+        MarkierteAuswählen(m_kataster);
+        AuswahlZeigen();
+    }
+    return ausgabe::GeografSpeichern(
+        m_kataster, optionen,
+        ausgabe::Speicherstamm(gewählt.string()) +
+            std::string(ausgabe::Endung(ausgabe::Speicherformat::Geograf)),
+        m_ui);
 }
 
 Ergebnis FormDatenbank::Bericht(const std::filesystem::path& datei) {

@@ -9,6 +9,7 @@
 #include "gui/flurstuecksliste_dialog.hpp"
 #include "gui/form_alb_ansicht.hpp"
 #include "gui/form_datenbank_darstellung.hpp"
+#include "gui/form_export_gg.hpp"
 #include "gui/qt_text.hpp"
 #include "gui_testhilfen.hpp"
 #include "import/tabelle_laden.hpp"
@@ -20,6 +21,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -735,6 +737,84 @@ TEST(Fenster, SpeichernUnterBerichtUndAuszug) {
     EXPECT_EQ(ok.boxen.size(), 1U);
     EXPECT_TRUE(std::filesystem::is_empty(leer.zustand.arbeitsverzeichnis));
     EXPECT_TRUE(leer.geöffnet.empty());
+}
+
+// "Geograf (*.out)": the dialog, the marks as selection, the question, the file; the next time the
+// dialog shows the choice kept, and its cancel writes nothing.
+TEST(Fenster, GeografAusgabeÜberDenDialog) {
+    WldgeFenster t(true);
+    ASSERT_TRUE(t.geladen);
+    MarkeSetzen(t.K(), 1, true);
+    MarkeSetzen(t.K(), 3, true);
+    Mitschrift mitschrift("geograf_dialog", t.ordner.pfad());
+    const auto vorkommen = [](const std::string& text, std::string_view was) {
+        int n = 0;
+        for (auto i = text.find(was); i != std::string::npos; i = text.find(was, i + 1))
+            ++n;
+        return n;
+    };
+    const auto listeZeigen = [&](const FormExportGG& d, const char* name) {
+        QStringList einträge;
+        const auto* liste = test::Element<QListWidget>(d, name);
+        for (int i = 0; i < liste->count(); ++i)
+            einträge << liste->item(i)->text();
+        mitschrift << QStringLiteral("%1: ").arg(QString::fromUtf8(name)) + einträge.join(u'|');
+    };
+    {
+        Beantworter ja(QMessageBox::Yes);
+        Dialoghelfer<FormExportGG> dialog([&](FormExportGG& d) {
+            listeZeigen(d, "ListAlleSpalten");
+            QStringList formen;
+            for (const QRadioButton* k : d.findChildren<QRadioButton*>())
+                formen << k->objectName() + u'=' + k->text();
+            mitschrift << formen.join(u'|');
+            test::Element<QAbstractButton>(d, "optAusgabeBeschreibung_3")->click();
+            listeZeigen(d, "ListAusgabeSpalten");
+            test::Element<QListWidget>(d, "ListAlleSpalten")->setCurrentRow(14);
+            test::Element<QLineEdit>(d, "txtGGEbene")->setText(u"5"_s);
+            test::Element<QAbstractButton>(d, "cmdWeiter")->click();
+        });
+        ASSERT_TRUE(t.fenster.SpeichernUnter(u"Geograf (*.out)"_s, t.ordner / "lageplan.txt"));
+        EXPECT_TRUE(dialog.gesehen);
+        mitschrift << ja.Beschreibungen() << Panel(t.fenster, 2);
+    }
+    // The two marked rows as stamp A: seven texts, a point and an object each.
+    const std::string stempel = test::DateiLesen(t.ordner / "lageplan.out");
+    for (const auto& [text, anzahl] : {std::pair{"\nTE", 14}, {"\nPK", 2}, {"\nOO", 2}, {",5.233,", 16}})
+        EXPECT_EQ(vorkommen(stempel, text), anzahl) << text;
+    EXPECT_EQ(t.K().AnzahlAusgewählt(), 2U);
+    {
+        Beantworter ja(QMessageBox::Yes);
+        Dialoghelfer<FormExportGG> dialog([&](FormExportGG& d) {
+            listeZeigen(d, "ListAusgabeSpalten");
+            const auto optionen = d.Optionen();
+            EXPECT_EQ(optionen.form, ausgabe::GeografForm::StempelA);
+            EXPECT_EQ(std::pair(optionen.art, optionen.ebene), std::pair(233, 5));
+            test::Element<QAbstractButton>(d, "Command1")->click();
+        });
+        EXPECT_EQ(t.fenster.SpeichernUnter(u"Geograf (*.out)"_s, t.ordner / "zwei.out").status(),
+                  Ergebnis::Status::Abgebrochen);
+        EXPECT_TRUE(dialog.gesehen);
+        EXPECT_TRUE(ja.boxen.empty());
+        EXPECT_FALSE(std::filesystem::exists(t.ordner / "zwei.out"));
+    }
+    // Without marks every row as a text block; the row without coordinates goes to the ".err".
+    for (std::size_t z = 0; z < t.K().Zeilenzahl(); ++z)
+        MarkeSetzen(t.K(), z, false);
+    t.K().ZelleSetzen(5, "Rechtswert", "");
+    t.K().AuswahlLeeren();
+    Beantworter ja({QMessageBox::Yes, QMessageBox::Ok});
+    Dialoghelfer<FormExportGG> dialog([&](FormExportGG& d) {
+        test::Element<QAbstractButton>(d, "optAusgabeBeschreibung_0")->click();
+        test::Element<QAbstractButton>(d, "cmdAL")->click();
+        listeZeigen(d, "ListAusgabeSpalten");
+        test::Element<QAbstractButton>(d, "cmdWeiter")->click();
+    });
+    ASSERT_TRUE(t.fenster.SpeichernUnter(u"Geograf (*.out)"_s, t.ordner / "text.out"));
+    mitschrift << ja.Beschreibungen();
+
+    EXPECT_EQ(vorkommen(test::DateiLesen(t.ordner / "text.out"), "\nTE"), 5);
+    mitschrift << Cp1252NachUtf8(test::DateiLesen(t.ordner / "text.out.err"));
 }
 
 } // namespace
