@@ -52,6 +52,14 @@ double ZahlLesen(std::string_view text) {
     return fehler == std::errc() ? wert : 0.0;
 }
 
+std::string Einzeilig(std::string_view text) {
+    std::string zeile(text);
+    for (char& c : zeile)
+        if (c == '\r' || c == '\n' || c == '\t')
+            c = ' ';
+    return zeile;
+}
+
 std::string TextSäubern(std::string_view text) {
     std::string sauber;
     sauber.reserve(text.size());

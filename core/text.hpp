@@ -22,6 +22,9 @@ double ZahlLesen(std::string_view text);
 /// cleaning of register texts and list lines.
 std::string TextSäubern(std::string_view text);
 
+/// The text on one line of a file: CR, LF and TAB become blanks (GRAFBAT records, error lists).
+std::string Einzeilig(std::string_view text);
+
 /// Blanks trimmed at both ends (only blanks, as the settings files are read).
 std::string_view TrimmeLeerzeichen(std::string_view text);
 

@@ -3,6 +3,7 @@
 #include "core/zieldatei.hpp"
 
 #include "core/cp1252.hpp"
+#include "core/jetzt.hpp"
 #include "core/kataster.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
@@ -60,14 +61,6 @@ std::string Zehntausendstel(long long wert) {
     return text;
 }
 
-// A cell's text made safe for one line of the file: CR, LF and TAB become blanks.
-std::string Einzeilig(std::string_view text) {
-    std::string zeile(text);
-    for (char& c : zeile)
-        if (c == '\r' || c == '\n' || c == '\t')
-            c = ' ';
-    return zeile;
-}
 
 // The parcel number's two parts at "/"; the second empty when there is none.
 std::pair<std::string_view, std::string_view> FlurstückTeile(std::string_view wert) {
@@ -227,16 +220,11 @@ private:
     void Kopf() {
         std::string datum = m_opt.datum, uhrzeit = m_opt.uhrzeit;
         if (datum.empty() || uhrzeit.empty()) {
-            const std::time_t jetzt = std::time(nullptr);
-            std::tm zeit{};
-            ::localtime_r(&jetzt, &zeit);
-            char d[16], u[16];
-            std::strftime(d, sizeof d, "%d.%m.%Y", &zeit);
-            std::strftime(u, sizeof u, "%H:%M:%S", &zeit);
+            const Zeitangabe jetzt = JetztLokal();
             if (datum.empty())
-                datum = d;
+                datum = jetzt.datum;
             if (uhrzeit.empty())
-                uhrzeit = u;
+                uhrzeit = jetzt.uhrzeit;
         }
         Zeile("*");
         Zeile("* GRAFBAT - D A T E I  GEOgraf");

@@ -68,10 +68,15 @@ std::optional<GrafbatSatz> GrafbatZeileLesen(std::string_view zeile, std::size_t
         satz.unterSatz = true;
         rest.remove_prefix(2);
     }
-    if (rest.size() < 3 || !Großbuchstabe(rest[0]) || !Großbuchstabe(rest[1]) || !Ziffer(rest[2]))
+    if (rest.size() < 3 || !Großbuchstabe(rest[0]) || !Großbuchstabe(rest[1]))
         return melden("kein Satz (erwartet zwei Großbuchstaben, Nummer, \": \")");
-    satz.kennung = std::string(rest.substr(0, 2));
-    rest.remove_prefix(2);
+    // The hatched areas of a drawing are "SCH" records with their outline in "  POS": kinds of
+    // three letters, read like those of two.
+    const std::size_t kennungLänge = Großbuchstabe(rest[2]) ? 3 : 2;
+    if (rest.size() <= kennungLänge || !Ziffer(rest[kennungLänge]))
+        return melden("kein Satz (erwartet zwei Großbuchstaben, Nummer, \": \")");
+    satz.kennung = std::string(rest.substr(0, kennungLänge));
+    rest.remove_prefix(kennungLänge);
     const auto [ende, fehler] =
         std::from_chars(rest.data(), rest.data() + rest.size(), satz.nummer);
     if (fehler != std::errc())

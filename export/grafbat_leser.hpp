@@ -5,9 +5,10 @@
 // A file is Windows-1252 text with CR LF (LF alone is taken too). A line is
 //   * a comment: it begins with "*"; "* erstellt mit ..." names the program that wrote the file;
 //   * a header line "Typ: ..." or "PAR: ...";
-//   * a record: a kind of two capital letters, its number, ": " and the fields separated by
-//     commas outside double quotes ("TE12: ,0.233, 3456789.12, ..."); a sub-record begins with
-//     two blanks ("  TX12: text", "  OR3: TE=7,1") and belongs to the record before it;
+//   * a record: a kind of two or three capital letters, its number, ": " and the fields
+//     separated by commas outside double quotes ("TE12: ,0.233, 3456789.12, ...", "SCH4: ,11.1,1");
+//     a sub-record begins with two blanks ("  TX12: text", "  OR3: TE=7,1", "  POS4: 1 2 3 4")
+//     and belongs to the record before it;
 //   * empty.
 // The reader pulls one line at a time and keeps no more than that line: memory follows the
 // longest line, never the file, and a line longer than GrafbatZeileMax is reported and passed
@@ -37,7 +38,7 @@ enum class GrafbatArt {
 struct GrafbatSatz {
     GrafbatArt art = GrafbatArt::Satz;
     std::size_t zeile = 0;  ///< line number in the file, from 1
-    std::string kennung;    ///< "TE", "TX", "PK", "OO", "OR", ...; "Typ" or "PAR" for Kopf
+    std::string kennung;    ///< "TE", "TX", "PK", "SCH", "POS", ...; "Typ" or "PAR" for Kopf
     long long nummer = 0;   ///< the record's number
     bool unterSatz = false; ///< began with two blanks
     /// Everything behind ": " (behind "*" for a comment), as it stands: the text of a TX line.

@@ -80,6 +80,8 @@ public:
     NasProtokoll& Protokoll() { return *m_protokoll; }
     /// The face the work speaks through.
     Oberfläche& Ui() { return m_ui; }
+    /// The program's state: the installation's configuration and the working folder.
+    const Programmzustand& Zustand() const { return m_zustand; }
 
     /// Keeps the work database after the end of this object (the map goes on using it); the
     /// run's end deletes it then.

@@ -54,7 +54,7 @@ Ergebnis Schritte(NasArbeitsbereich& bereich, const NasLaufauftrag& auftrag, con
     bereich.Protokoll().Eintrag(geograf ? "Export ALKIS/NAS nach Geograf..." : "Export ALKIS/NAS nach DXF...");
     NasSpeicherauftrag speichern;
     speichern.ziel = NasAusgabedatei(auftrag.datei, auftrag.ausgabe);
-    speichern.format = geograf ? NasZiel::Geograf : NasZiel::DxfOut;
+    speichern.format = geograf ? NasZiel::Geograf : NasZiel::Dxf;
     speichern.textSchraffur = auftrag.textSchraffur;
     speichern.still = auftrag.still;
     ergebnis = ALKISspeichernUnter(bereich, speichern, bereich.Ui());

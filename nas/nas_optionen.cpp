@@ -10,7 +10,7 @@ namespace {
 
 using O = NasOptionen;
 
-constexpr std::array<NasOptionsfeld, 17> Felder = {{
+constexpr std::array<NasOptionsfeld, 18> Felder = {{
     {"chkMitNaBerechnung", "Flächenverschneidung Nutzungsart, Bodenschätzung und BOV", &O::mitNaBerechnung},
     {"chkQuickNaBerechnung", "nur ausgewählte NA-Flächen und Bodenschätzung berechnen", &O::quickNaBerechnung},
     {"chkQuickBSBerechnung", "nur Bodenschätzung berechnen", &O::quickBSBerechnung},
@@ -30,6 +30,8 @@ constexpr std::array<NasOptionsfeld, 17> Felder = {{
     {"chkALKISDXFmitSchraffur", "mit Schraffur Gebäude", &O::dxfMitSchraffur},
     {"chkALKISDXFmitPunktbeschriftung", "mit Beschriftung Punktnummer", &O::dxfMitPunktbeschriftung},
     {"chkALKISDXFmitSachdaten", "mit Sachdatenbeschriftung Punkt GWT", &O::dxfMitSachdaten},
+    // The DXF's texts in the style "Calibri" rather than "ISO8".
+    {"chkALKISDXFmitCalibri", "Schrift Calibri", &O::dxfMitCalibri},
 }};
 
 constexpr std::array<bool O::*, 4> NurFelder = {&O::quickNaBerechnung, &O::quickBSBerechnung,

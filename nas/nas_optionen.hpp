@@ -26,6 +26,7 @@ struct NasOptionen {
     bool dxfMitSchraffur = false;         ///< chkALKISDXFmitSchraffur
     bool dxfMitPunktbeschriftung = false; ///< chkALKISDXFmitPunktbeschriftung
     bool dxfMitSachdaten = false;         ///< chkALKISDXFmitSachdaten
+    bool dxfMitCalibri = false;           ///< chkALKISDXFmitCalibri: DXF texts in "Calibri"
 
     /// True when one of the area computations is asked for.
     bool Flächenberechnung() const {

@@ -2,10 +2,13 @@
 
 #include "core/datenbank.hpp"
 #include "core/oberflaeche.hpp"
+#include "core/programm.hpp"
 #include "core/text.hpp"
 #include "core/zieldatei.hpp"
+#include "export/dxf_nas.hpp"
 #include "export/tabellenschreiber.hpp"
 #include "nas/nas_arbeitsbereich.hpp"
+#include "nas/nas_geograf.hpp"
 #include "nas/nas_protokoll.hpp"
 
 #include <algorithm>
@@ -124,10 +127,46 @@ Ergebnis Schreiben(NasArbeitsbereich& bereich, const NasSpeicherauftrag& auftrag
                                 : "Export-Optionen ausgewählt? DXF-Export ausführen?   ",
                     auftrag.still))
             return Ergebnis::Abbruch();
-        const std::string text = NochNichtVerfügbar(geograf ? "Der GEOgraf-Export der NAS-Daten"
-                                                            : "Der DXF-Export der NAS-Daten");
-        ui.Meldung(text, Titel, Stil::Warnung);
-        return Ergebnis::Fehlschlag(text);
+        NasZeichnungsauftrag zeichnung;
+        zeichnung.konfigOrdner = bereich.Zustand().installation.Konfig();
+        zeichnung.meridianKZ = bereich.optionen.sqlMeridianKZ;
+        if (geograf) {
+            zeichnung.schraffur = bereich.optionen.ggMitSchraffur;
+            // The batch switch "/txt-sch": texts and hatching.
+            if (auftrag.textSchraffur)
+                DefAusgabeGGout(zeichnung, "te;sch");
+            PositionNachGG(bereich.Db(), auftrag.ziel, zeichnung, bereich.Protokoll(), ui);
+            break;
+        }
+        // The DXF draws the GEOgraf file of the data set with its outlines: "ACAD-out" keeps that
+        // file beside the drawing, "ACAD" makes it in the working folder and deletes it.
+        zeichnung.umringe = true;
+        zeichnung.schraffur = bereich.optionen.dxfMitSchraffur;
+        const std::filesystem::path& arbeit = bereich.Zustand().arbeitsverzeichnis;
+        std::filesystem::path zwischenstand = auftrag.ziel;
+        zwischenstand.replace_extension();
+        zwischenstand += "_dxf.out";
+        if (auftrag.format == NasZiel::Dxf && !arbeit.empty())
+            zwischenstand = arbeit / zwischenstand.filename();
+        struct Aufräumen {
+            const std::filesystem::path* datei;
+            ~Aufräumen() {
+                std::error_code fehler;
+                if (datei != nullptr)
+                    std::filesystem::remove(*datei, fehler);
+            }
+        } aufräumen{auftrag.format == NasZiel::Dxf ? &zwischenstand : nullptr};
+        PositionNachGG(bereich.Db(), zwischenstand, zeichnung, bereich.Protokoll(), ui);
+        ausgabe::DxfNasOptionen dxf;
+        dxf.schraffur = bereich.optionen.dxfMitSchraffur;
+        dxf.punktnummern = bereich.optionen.dxfMitPunktbeschriftung;
+        dxf.sachdaten = bereich.optionen.dxfMitSachdaten;
+        dxf.calibri = bereich.optionen.dxfMitCalibri;
+        dxf.arbeitsverzeichnis = arbeit;
+        dxf.protokoll = [&bereich](std::string_view zeile) { bereich.Protokoll().Eintrag(zeile); };
+        if (Ergebnis ergebnis = ausgabe::DXFExport(zwischenstand, auftrag.ziel, dxf, ui); !ergebnis)
+            return ergebnis;
+        break;
     }
     }
     bereich.Protokoll().Eintrag("Datei " + auftrag.ziel.string() + " gespeichert...");

@@ -12,14 +12,22 @@
 #include "core/kommandozeile.hpp"
 #include "core/oberflaeche_skript.hpp"
 #include "core/programm.hpp"
+#include "core/text.hpp"
+#include "export/grafbat_leser.hpp"
 #include "gemeinsam/nas_installation.hpp"
 #include "nas/gdal_testbezirk.hpp"
+#include "gemeinsam/dxf_pruefung.hpp"
+#include "nas/polygon.hpp"
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
+#include <map>
+#include <sstream>
 #include <regex>
 #include <set>
 
@@ -73,7 +81,7 @@ TEST(NasOptionen, JedesKästchenKommtAusDemEinstellungstextZurück) {
         for (const auto& anderes : NasOptionsfelder())
             EXPECT_EQ(zurück.*anderes.feld, anderes.name == feld.name) << anderes.name;
     }
-    EXPECT_EQ(namen.size(), 17U);
+    EXPECT_EQ(namen.size(), 18U);
 }
 
 TEST(NasArbeitsbereich, EineSchlechteDateiLässtDenGeöffnetenDatenbestand) {
@@ -254,9 +262,11 @@ TEST(NasLauf, DirektImportGleichDemDirektenWeg) {
     EXPECT_TRUE(bereich.HatAlkis());
 }
 
-TEST(NasLauf, UnbeaufsichtigterLaufOhneAusgabeSchreibtFehlerdatei) {
+TEST(NasLauf, UnbeaufsichtigterLaufMitVersperrtemZielSchreibtFehlerdatei) {
     Arbeit a;
     const fs::path datei = a.Kopie("muster.xml");
+    // A folder where the drawing should go: the file can't take its place.
+    fs::create_directory(NasAusgabedatei(datei, NasAusgabe::Geograf));
     {
         NasArbeitsbereich bereich(a.zustand, a.ui);
         bereich.interaktiv = false;
@@ -276,9 +286,23 @@ TEST(NasLauf, UnbeaufsichtigterLaufOhneAusgabeSchreibtFehlerdatei) {
                             "Dieses Fenster wird automatisch geschlossen!   ");
     const std::string fehler = Cp1252NachUtf8(DateiLesen(NasFehlerdatei(datei)));
     EXPECT_TRUE(fehler.starts_with(datei.string() + "\r\n")) << fehler;
-    EXPECT_NE(fehler.find("GEOgraf-Export"), std::string::npos) << fehler;
-    EXPECT_FALSE(fs::exists(NasAusgabedatei(datei, NasAusgabe::Geograf)));
+    EXPECT_NE(fehler.find("kann nicht"), std::string::npos) << fehler;
+    EXPECT_TRUE(fs::is_directory(NasAusgabedatei(datei, NasAusgabe::Geograf)));
+    for (const auto& eintrag : fs::directory_iterator(a.ordner.pfad()))
+        EXPECT_NE(eintrag.path().extension(), ".tmp") << "no half-written drawing is left";
     EXPECT_EQ(a.Arbeitsdatenbanken(), 0);
+}
+
+// GDAL's count of the district's features by class ("ax_flurstueck"), kept beside the data.
+std::map<std::string, std::size_t, std::less<>> GdalZählung() {
+    std::map<std::string, std::size_t, std::less<>> gdal;
+    const std::string zählung =
+        DateiLesen(test::GemeinsameTestdaten() / "postnas-rlp-gid60" / "gdal-3.6.2-layer-counts.csv");
+    for (std::string_view zeile : Teilen(zählung, '\n'))
+        if (const auto trenner = zeile.find(';'); trenner != std::string_view::npos)
+            gdal[std::string(zeile.substr(0, trenner))] =
+                std::strtoull(std::string(zeile.substr(trenner + 1)).c_str(), nullptr, 10);
+    return gdal;
 }
 
 TEST(NasLauf, StapellaufAufDemTestbezirk) {
@@ -297,7 +321,7 @@ TEST(NasLauf, StapellaufAufDemTestbezirk) {
         job.AuftragsDatei = datei.string();
         job.AusgabeGG = true;
         NasLaufbericht bericht;
-        EXPECT_FALSE(NasLauf(bereich, NasStapelauftrag(job), [](const auto&) { return Ergebnis::Ok(); }, bericht));
+        EXPECT_TRUE(NasLauf(bereich, NasStapelauftrag(job), [](const auto&) { return Ergebnis::Ok(); }, bericht));
         // Every feature of the file, counted by its member tag.
         const std::string text = DateiLesen(bezirk.xml);
         std::uint64_t mitglieder = 0;
@@ -309,9 +333,133 @@ TEST(NasLauf, StapellaufAufDemTestbezirk) {
     }
     const std::string protokoll = Cp1252NachUtf8(DateiLesen(NasProtokoll::DateiZu(datei)));
     EXPECT_NE(protokoll.find("Export ALKIS/NAS nach Geograf..."), std::string::npos) << protokoll;
-    EXPECT_NE(Cp1252NachUtf8(DateiLesen(NasFehlerdatei(datei))).find("GEOgraf-Export"), std::string::npos);
+    EXPECT_FALSE(fs::exists(NasFehlerdatei(datei)));
+    // The drawing against GDAL's own count of the district's features: a number text per
+    // parcel, a point per boundary, building and other survey point.
+    auto gdal = GdalZählung();
+    std::map<std::string, std::size_t> gezählt;
+    ausgabe::GrafbatLeser leser(a.ordner / "bezirk.out");
+    while (const auto satz = leser.NächsterSatz())
+        if (satz->art == ausgabe::GrafbatArt::Satz && !satz->unterSatz && satz->felder.size() > 1)
+            ++gezählt[satz->kennung + " " + satz->felder[1]];
+    EXPECT_TRUE(leser.Probleme().empty());
+    const std::pair<std::string, std::string> paare[] = {{"TE 2.233", "ax_flurstueck"},
+                                                         {"PK 52.1", "ax_grenzpunkt"},
+                                                         {"PK 11.2", "ax_besonderergebaeudepunkt"},
+                                                         {"PK 51.3", "ax_sonstigervermessungspunkt"}};
+    for (const auto& [unser, ihr] : paare) {
+        SCOPED_TRACE(unser);
+        EXPECT_GT(gdal[ihr], 0U);
+        EXPECT_EQ(gezählt[unser], gdal[ihr]);
+    }
     EXPECT_EQ(fs::file_size(bezirk.xml), test::BezirkBytes) << "the input stays as it was";
     EXPECT_EQ(a.Arbeitsdatenbanken(), 0);
+}
+
+// The DXF of the district, judged from outside: ezdxf's strict reader and GDAL open it; per layer
+// the entities agree with GDAL's count of the NAS features; every parcel polyline is closed and its
+// area (ezdxf's points, the shoelace) agrees with the parcel's official area within the error
+// limit 0.5·√F + 0.0003·F + 1 m² (the official area of an old parcel may come from an older
+// survey than its coordinates, so a few lie outside: at most one in a hundred).
+TEST(NasLauf, DxfDesTestbezirks) {
+    const test::Bezirk bezirk = test::BezirkBereitstellen();
+    if (!bezirk.fehlt.empty())
+        GTEST_SKIP() << bezirk.fehlt;
+    ASSERT_EQ(bezirk.fehler, "");
+    if (!test::EzdxfDa())
+        GTEST_SKIP() << "ezdxf fehlt: keine Prüfung der Zeichnung";
+    Arbeit a;
+    const fs::path datei = a.ordner / "bezirk.xml";
+    fs::create_symlink(fs::absolute(bezirk.xml), datei);
+    std::vector<std::array<std::string, 3>> umringe; // official area, exterior, interior
+    std::size_t hausnummern = 0;
+    {
+        NasArbeitsbereich bereich(a.zustand, a.ui);
+        bereich.interaktiv = false;
+        bereich.optionen.dxfMitPunktbeschriftung = true;
+        NasLaufauftrag lauf;
+        lauf.datei = datei;
+        lauf.direktImport = false;
+        lauf.ausgabe = NasAusgabe::Dxf;
+        lauf.still = true;
+        NasLaufbericht bericht;
+        ASSERT_TRUE(NasLauf(bereich, lauf, [](const auto&) { return Ergebnis::Ok(); }, bericht));
+        Anweisung abfrage = bereich.Db().VorbereitenNativ(
+            "SELECT amtlicheFlaeche, \"gml:exterior\", \"gml:interior\" FROM AX_Flurstueck ORDER BY rowid");
+        while (abfrage.Schritt())
+            umringe.push_back({std::string(abfrage.Text(0)), std::string(abfrage.Text(1)),
+                               std::string(abfrage.Text(2))});
+        Anweisung hnr = bereich.Db().VorbereitenNativ("SELECT count(*) FROM AP_PTO WHERE art = 'HNR'");
+        ASSERT_TRUE(hnr.Schritt());
+        hausnummern = static_cast<std::size_t>(hnr.Ganzzahl(0));
+    }
+    const fs::path dxf = NasAusgabedatei(datei, NasAusgabe::Dxf);
+    EXPECT_FALSE(fs::exists(a.ordner / "bezirk_dxf.out")) << "the batch keeps no GEOgraf file";
+    const fs::path strikt = test::StrikteKopie(dxf);
+    const auto prüfung = test::Ausführen(test::DxfPrüfung(strikt));
+    EXPECT_EQ(prüfung.status, 0) << prüfung.ausgabe.substr(0, 2000);
+    if (test::ImSuchpfad("ogrinfo")) {
+        const auto gdal = test::Ausführen("ogrinfo -ro -al -so " + test::Wort(dxf) + " 2>&1");
+        EXPECT_EQ(gdal.status, 0) << gdal.ausgabe;
+        EXPECT_NE(gdal.ausgabe.find("Feature Count: "), std::string::npos) << gdal.ausgabe;
+    }
+    const auto lauf = test::Ausführen("/usr/bin/python3 " + test::Wort(fs::path(FLURIX_QUELLEN) / "tests" /
+                                                                  "werkzeuge" / "dxf_auswertung.py") +
+                                      " " + test::Wort(strikt) + " FLURSTUECKE_POLYLINE 2>&1");
+    ASSERT_EQ(lauf.status, 0) << lauf.ausgabe.substr(0, 2000);
+    std::map<std::string, std::size_t, std::less<>> je;
+    std::vector<std::pair<int, double>> polylinien;
+    std::istringstream zeilen(lauf.ausgabe);
+    for (std::string art; zeilen >> art;) {
+        if (art == "L") {
+            std::string layer, typ;
+            std::size_t n = 0;
+            zeilen >> layer >> typ >> n;
+            je[layer + " " + typ] = n;
+        } else if (art == "P") {
+            int zu = 0;
+            double fläche = 0;
+            zeilen >> zu >> fläche;
+            polylinien.emplace_back(zu, fläche);
+        } else if (art == "NULL") {
+            std::size_t n = 0;
+            zeilen >> n;
+            EXPECT_EQ(n, 0U) << "nothing at 0,0";
+        }
+    }
+    auto gdal = GdalZählung();
+    const std::pair<std::string, std::size_t> erwartet[] = {
+        {"AMTLPKT_GRENZP INSERT", gdal["ax_grenzpunkt"]},
+        {"AMTLTXT_GRENZP TEXT", gdal["ax_grenzpunkt"]},
+        {"AMTLPKT_GEBAEUDE POINT", gdal["ax_besonderergebaeudepunkt"]},
+        {"AMTLPKT_AUFNP INSERT", gdal["ax_sonstigervermessungspunkt"]},
+        {"NICHTAMTL_GEBAEUDE TEXT", hausnummern}, // the house number labels (AP_PTO "HNR")
+        {"AMTLTXT_FLURSTUECK TEXT", gdal["ax_flurstueck"] + je["AMTLTXT_FLURSTUECK LINE"]}};
+    for (const auto& [schlüssel, anzahl] : erwartet) {
+        SCOPED_TRACE(schlüssel);
+        EXPECT_GT(anzahl, 0U);
+        EXPECT_EQ(je[schlüssel], anzahl);
+    }
+    EXPECT_GE(je["GEBAEUDE_POLYLINE POLYLINE"], gdal["ax_gebaeude"]);
+    // The parcels' polylines, a ring each in the order of the table: exterior rings, then holes.
+    std::size_t p = 0, außerhalb = 0;
+    for (const auto& [amtlich, außen, innen] : umringe) {
+        const Polygonmenge polygon = PolygonAusTexten(außen, innen, "", StandardPfeilhöhe);
+        double fläche = 0;
+        for (std::size_t r = 0; r < polygon.außen.size() + polygon.innen.size(); ++r, ++p) {
+            ASSERT_LT(p, polylinien.size());
+            EXPECT_EQ(polylinien[p].first, 1) << "polyline " << p << " is closed";
+            fläche += r < polygon.außen.size() ? polylinien[p].second : -polylinien[p].second;
+        }
+        const double f = std::strtod(amtlich.c_str(), nullptr);
+        if (std::abs(fläche - f) > 0.5 * std::sqrt(f) + 0.0003 * f + 1)
+            ++außerhalb;
+    }
+    EXPECT_EQ(p, polylinien.size());
+    EXPECT_EQ(umringe.size(), gdal["ax_flurstueck"]);
+    EXPECT_LE(außerhalb * 100, umringe.size()) << außerhalb << " parcels outside the error limit";
+    std::printf("Testbezirk: %zu von %zu Flurstücken außerhalb der Fehlergrenze der amtlichen Fläche\n",
+                außerhalb, umringe.size());
 }
 
 } // namespace
