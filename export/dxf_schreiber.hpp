@@ -78,8 +78,8 @@ public:
     /// HEADER with the drawing's extents ($EXTMIN/$LIMMIN, $EXTMAX/$LIMMAX), the TABLES section
     /// (LTYPE, LAYER, STYLE, VIEW), the BLOCKS section and the head of the ENTITIES section.
     void Anfang(double xmin, double ymin, double xmax, double ymax);
-    /// Closes the ENTITIES section and opens a new one. CAD programs and ezdxf read every such
-    /// section; GDAL (ogrinfo, QGIS) reads the first only.
+    /// Closes the ENTITIES section and opens a new one. CAD programs read every such section;
+    /// GDAL (ogrinfo, QGIS) reads the first only, ezdxf the last only.
     void AbschnittWechseln();
     /// Closes the ENTITIES section, ends the file with EOF, and renames it to the target
     /// (replacing an older file). Throws Fehler naming the file when writing or renaming fails.

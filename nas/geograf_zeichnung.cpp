@@ -201,8 +201,9 @@ void GeografZeichnung::Text(std::string_view ebeneArt, const Lage& lage, const L
     };
     paar(lage);
     paar(bezug);
-    zeile += ZahlText(höhe) + ", " + ZahlText(winkel) + ", 0, " + std::to_string(ausrichtung) +
-             ", 0, , 0, , , , , , \"";
+    // A ten-thousandth of a gon is finer than any label is set; "+ 0.0" makes -0 a plain 0.
+    zeile += ZahlText(höhe) + ", " + ZahlText(std::round(winkel * 1e4) / 1e4 + 0.0) + ", 0, " +
+             std::to_string(ausrichtung) + ", 0, , 0, , , , , , \"";
     Zeile(zeile);
     Zeile("  TX" + n + ": " + Einzeilig(text));
     ++m_zählung.texte;

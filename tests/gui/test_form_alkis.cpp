@@ -19,6 +19,7 @@
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_lauf.hpp"
 #include "nas/nas_protokoll.hpp"
+#include "nas/nas_speichern.hpp"
 
 #include <QCheckBox>
 #include <QHeaderView>
@@ -34,6 +35,7 @@
 #include <QToolBar>
 
 #include <chrono>
+#include <tuple>
 
 namespace flurix::gui {
 namespace {
@@ -201,6 +203,33 @@ TEST(FormAlkis, MusterÖffnenTabelleWählenFiltern) {
     EXPECT_GT(zeilen.size(), 5);
     f.fenster.findChild<QPushButton*>(QStringLiteral("btnClearInfoManager"))->click();
     EXPECT_TRUE(f.fenster.Protokollbox()->toPlainText().isEmpty());
+}
+
+// "Speichern unter" draws the data set: GEOgraf, DXF, and DXF with its GEOgraf file kept beside.
+TEST(FormAlkis, SpeichernUnterZeichnetGeografUndDxf) {
+    using namespace Qt::Literals::StringLiterals;
+    NasFenster f;
+    ASSERT_TRUE(f.MusterZeigen());
+    const std::tuple<const char*, nas::NasZiel, const char*, bool> fälle[] = {
+        {"plan.out", nas::NasZiel::Geograf, "GG-Export", false},
+        {"plan.dxf", nas::NasZiel::Dxf, "DXF-Export", false},
+        {"plan_mit.dxf", nas::NasZiel::DxfOut, "DXF-Export", true}};
+    for (const auto& [name, ziel, frage, mitOut] : fälle) {
+        SCOPED_TRACE(name);
+        Beantworter ja(QMessageBox::Yes);
+        ASSERT_TRUE(f.fenster.SpeichernUnter(f.ordner / name, ziel));
+        ASSERT_EQ(ja.boxen.size(), 1U);
+        EXPECT_EQ(ja.boxen.front().text,
+                  u"Export-Optionen ausgewählt? "_s + QString::fromUtf8(frage) + u" ausführen?   "_s);
+        EXPECT_TRUE(fs::file_size(f.ordner / name) > 0);
+        fs::path out = f.ordner / name;
+        out.replace_extension();
+        out += "_dxf.out";
+        EXPECT_EQ(fs::exists(out), mitOut);
+    }
+    const QString protokoll = f.Protokollzeilen().join(u'\n');
+    EXPECT_TRUE(protokoll.contains(u"DXF-Export: "_s)) << Utf8(protokoll);
+    EXPECT_TRUE(protokoll.contains(u"GEOgraf-Ausgabe: "_s)) << Utf8(protokoll);
 }
 
 TEST(FormAlkis, SqlAbfrageZeigtAuswahlUndÄndertNurMitEinerAnweisung) {
