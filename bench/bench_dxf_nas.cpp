@@ -113,7 +113,7 @@ int main() {
     const Ergebnis ergebnis = ausgabe::DXFExport(
         out, ziel,
         {.schraffur = true, .punktnummern = true, .sachdaten = true, .calibri = false,
-         .arbeitsverzeichnis = ordner.pfad()},
+         .arbeitsverzeichnis = ordner.pfad(), .protokoll = {}},
         ui, &zählung);
     const double sekunden = bench::Sekunden(anfang);
     if (!ergebnis)

@@ -1,5 +1,7 @@
 #include "import/datenladen.hpp"
 
+#include "nas/nas_form.hpp"
+
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
 #include "import/textvorbereitung.hpp"
@@ -164,7 +166,7 @@ bool EingabeartAusEndung(const std::filesystem::path& datei, Eingabeart& art) {
         art = Eingabeart::Wldge;
     else if (endung == ".fil")
         art = Eingabeart::Tabelle;
-    else if (endung == ".xml")
+    else if (endung == ".xml" || endung == ".gml")
         art = Eingabeart::Xml;
     else if (endung == ".mdb")
         art = Eingabeart::NasDatenbank;
@@ -187,7 +189,8 @@ std::string WldgeFormatLesen(std::string_view kopf) {
 }
 
 bool IstNasKopf(std::string_view kopf) {
-    return IstInText(kopf, "AX_Bestandsdatenauszug,AX_Person");
+    return IstInText(kopf, "AX_Bestandsdatenauszug,AX_Person") ||
+           nas::NasFormErkennen(kopf).form != nas::NasForm::Unbekannt;
 }
 
 Ergebnis ALBDatenLaden(const Ladeauftrag& auftrag, Ladeumgebung& umgebung, Oberfläche& ui) {
@@ -241,6 +244,15 @@ Erkennung DateiErkennen(const std::filesystem::path& datei) {
             e.leser = a.leser;
             e.unterstützt = true;
         }
+    if (e.art == Eingabeart::NasXml) {
+        const nas::NasFormbefund form = nas::NasFormErkennen(DateiKopfLesen(datei, NasKopfzeilen));
+        if (form.form != nas::NasForm::Unbekannt)
+            e.beschreibung += ": " + form.Name();
+        if (form.form == nas::NasForm::Aktualisierung) {
+            e.leser = "keiner: Aktualisierungen werden noch nicht eingelesen";
+            e.unterstützt = false;
+        }
+    }
     return e;
 }
 

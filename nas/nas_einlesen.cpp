@@ -8,6 +8,7 @@
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
 #include "nas/knoten.hpp"
+#include "nas/nas_form.hpp"
 #include "nas/konfig_suche.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objekt_schneider.hpp"
@@ -21,7 +22,6 @@ namespace {
 
 constexpr std::size_t KopfGröße = 1'000'000;
 constexpr std::string_view Abbruch = "Abbruch Funktion!   ";
-constexpr std::string_view Wurzel = "AX_Bestandsdatenauszug";
 // Compaction points are the full tens of percent at or past this position.
 constexpr std::uint64_t KomprimierenAb = 10'000'000;
 // The UI port is asked for a cancel this often: asking costs an event loop turn.
@@ -37,10 +37,6 @@ std::string KopfLesen(const std::filesystem::path& datei) {
     return kopf;
 }
 
-bool IstNamenszeichen(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '-' || c == '.' || c == ':';
-}
 
 // A file that declares a code page other than UTF-8 in its XML declaration.
 bool IstEinbytekodiert(std::string_view kopf) {
@@ -55,6 +51,25 @@ std::string NachUrn(std::string_view zeile, std::string_view marke) {
         return {};
     const auto rest = zeile.substr(pos + marke.size());
     return std::string(rest.substr(0, rest.find('"')));
+}
+
+// The system a srsName names: "urn:adv:crs:ETRS89_UTM32" gives "ETRS89_UTM32", the EPSG forms of
+// the WFS services ("urn:ogc:def:crs:EPSG::25832", "EPSG:25832", ".../def/crs/EPSG/0/25832") give
+// "EPSG:25832"; "" for none of them.
+std::string SystemAusSrsName(std::string_view text) {
+    if (const std::string adv = NachUrn(text, "urn:adv:crs:"); !adv.empty())
+        return adv;
+    for (std::string_view marke : {"EPSG::", "EPSG/0/", "EPSG:"}) {
+        const auto pos = text.find(marke);
+        if (pos == std::string_view::npos)
+            continue;
+        auto ende = pos + marke.size();
+        while (ende < text.size() && text[ende] >= '0' && text[ende] <= '9')
+            ++ende;
+        if (ende > pos + marke.size())
+            return "EPSG:" + std::string(text.substr(pos + marke.size(), ende - pos - marke.size()));
+    }
+    return {};
 }
 
 bool IstHöhensystem(std::string_view system) {
@@ -105,6 +120,9 @@ void StatistikProtokollieren(const Lesestatistik& statistik, const ObjektSchneid
 } // namespace
 
 void KoordinatenNotizen::Zeile(std::string_view zeile) {
+    // A WFS collection names its system only at its envelope.
+    if (m_standard.empty() && m_geometrie.empty() && zeile.find("Envelope srsName=\"") != std::string_view::npos)
+        m_geometrie = SystemAusSrsName(zeile.substr(zeile.find("srsName=\"")));
     if (zeile.find("<AA_Koordinatenreferenzsystemangaben>") != std::string_view::npos)
         m_offen = true;
     if (m_offen) {
@@ -120,9 +138,10 @@ void KoordinatenNotizen::Zeile(std::string_view zeile) {
 
 void KoordinatenNotizen::Objekt(std::string_view text) {
     if (m_standard.empty() && m_geometrie.empty())
-        for (auto pos = text.find("srsName=\"urn:adv:crs:"); pos != std::string_view::npos;
-             pos = text.find("srsName=\"urn:adv:crs:", pos + 1)) {
-            const std::string system = NachUrn(text.substr(pos), "urn:adv:crs:");
+        for (auto pos = text.find("srsName=\""); pos != std::string_view::npos;
+             pos = text.find("srsName=\"", pos + 1)) {
+            const std::string_view wert = text.substr(pos + 9, text.find('"', pos + 9) - pos - 9);
+            const std::string system = SystemAusSrsName(wert);
             if (!system.empty() && !IstHöhensystem(system)) {
                 m_geometrie = system;
                 break;
@@ -148,25 +167,26 @@ void KoordinatenNotizen::Punkt(std::string_view zeile) {
 }
 
 std::string SrsWert(std::string_view system, std::string_view epsgText) {
+    if (system.starts_with("EPSG:")) {
+        // The pair of the first line with this code ("ETRS89_UTM32=25832_32").
+        const std::string code(system.substr(5));
+        for (std::string_view zeile : Teilen(epsgText, '\n')) {
+            const auto gleich = zeile.find('=');
+            if (zeile.starts_with('*') || gleich == std::string_view::npos)
+                continue;
+            std::string_view wert = zeile.substr(gleich + 1);
+            while (!wert.empty() && (wert.back() == '\r' || wert.back() == ' '))
+                wert.remove_suffix(1);
+            wert = TrimmeLeerzeichen(wert);
+            if (wert.starts_with(code + "_"))
+                return std::string(wert);
+        }
+        return code;
+    }
     const std::string epsg = system.empty() ? std::string() : KonfigWert(1, system, "=", 2, epsgText);
     return epsg.empty() ? "Bez: " + std::string(system) : epsg;
 }
 
-bool NasPräfix(std::string_view kopf, std::string& präfix) {
-    for (auto pos = kopf.find(Wurzel); pos != std::string_view::npos; pos = kopf.find(Wurzel, pos + 1)) {
-        const auto lt = kopf.rfind('<', pos);
-        if (lt == std::string_view::npos)
-            continue;
-        const auto zwischen = TrimmeLeerzeichen(kopf.substr(lt + 1, pos - lt - 1));
-        // Only an element name: "<AX_..." or "<adv:AX_...", not a word in a comment.
-        if (std::all_of(zwischen.begin(), zwischen.end(), IstNamenszeichen) &&
-            (zwischen.empty() || zwischen.back() == ':')) {
-            präfix = std::string(zwischen);
-            return true;
-        }
-    }
-    return false;
-}
 
 namespace {
 
@@ -245,9 +265,33 @@ private:
             return Ergebnis::Fehlschlag("Die Datei enthält eine DOCTYPE- oder ENTITY-Deklaration und "
                                         "wird aus Sicherheitsgründen nicht eingelesen!   ");
         }
-        if (!NasPräfix(m_kopf, m_präfix))
+        const NasFormbefund form = NasFormErkennen(m_kopf);
+        m_präfix = form.präfix;
+        switch (form.form) {
+        case NasForm::Bestandsdatenauszug:
+            break;
+        case NasForm::WfsSammlung: {
+            // The collections of today's WFS services carry no extract element: the check of the
+            // classic extract would refuse them. A person decides; an unattended run goes on.
+            m_protokoll.Eintrag(", " + form.Name() + " erkannt: Knoten \"AX_Bestandsdatenauszug/AX_Person\" fehlt!");
+            Fragestellung frage;
+            frage.titel = "NAS/Flurix-NAS FormLoad";
+            frage.text = "Daten eventuell unvollständig! Daten trotzdem einlesen?   ";
+            frage.knöpfe = Knöpfe::JaNein;
+            frage.vorgabe = Antwort::Ja;
+            frage.unbeaufsichtigt = Antwort::Ja;
+            if (m_ui.Frage(frage) != Antwort::Ja) {
+                m_protokoll.Eintrag(", Import abgebrochen...");
+                return Ergebnis::Abbruch();
+            }
+            break;
+        }
+        case NasForm::Aktualisierung:
+            return Ergebnis::Fehlschlag(NochNichtVerfügbar("Das Einlesen von NBA-Aktualisierungen"));
+        case NasForm::Unbekannt:
             return Ergebnis::Fehlschlag("ERR: Knoten AX_Bestandsdatenauszug nicht vorhanden!\n" +
                                         std::string(Abbruch));
+        }
         return Ergebnis::Ok();
     }
 

@@ -78,8 +78,5 @@ private:
 /// "Bez: " + the system's name when the file knows no EPSG code for it.
 std::string SrsWert(std::string_view system, std::string_view epsgText);
 
-/// The namespace prefix of the file's root element ("", "adv:"); false when the head holds no
-/// AX_Bestandsdatenauszug element.
-bool NasPräfix(std::string_view kopf, std::string& präfix);
 
 } // namespace flurix::nas

@@ -232,6 +232,27 @@ TEST(FormAlkis, SpeichernUnterZeichnetGeografUndDxf) {
     EXPECT_TRUE(protokoll.contains(u"GEOgraf-Ausgabe: "_s)) << Utf8(protokoll);
 }
 
+// A WFS collection has no extract element: the window asks before it reads, and No reads nothing.
+TEST(FormAlkis, WfsSammlungFragtVorDemEinlesen) {
+    using namespace Qt::Literals::StringLiterals;
+    const fs::path quelle = test::GemeinsameTestdaten() / "state-wfs-nas" / "HE_NAS-konform_10flst.xml";
+    if (!fs::exists(quelle))
+        GTEST_SKIP() << "WFS-Beispiel fehlt: " << quelle;
+    NasFenster f;
+    fs::copy_file(quelle, f.ordner / "wfs.xml");
+    for (const auto antwort : {QMessageBox::No, QMessageBox::Yes}) {
+        Beantworter beantworter(antwort);
+        const Ergebnis ergebnis = f.Laufen(f.ordner / "wfs.xml");
+        ASSERT_EQ(beantworter.boxen.size(), 1U);
+        EXPECT_EQ(test::Beschreibung(beantworter.boxen.front()),
+                  u"[Frage] \"NAS/Flurix-NAS FormLoad\" [Ja*|Nein]: Daten eventuell unvollständig! Daten "
+                  u"trotzdem einlesen?   "_s);
+        EXPECT_EQ(static_cast<bool>(ergebnis), antwort == QMessageBox::Yes);
+        EXPECT_EQ(f.fenster.Bereich().HatDaten(), antwort == QMessageBox::Yes);
+    }
+    EXPECT_EQ(f.Wert("SELECT count(*) FROM AX_Flurstueck"), "10");
+}
+
 TEST(FormAlkis, SqlAbfrageZeigtAuswahlUndÄndertNurMitEinerAnweisung) {
     NasFenster f;
     ASSERT_TRUE(f.MusterZeigen());

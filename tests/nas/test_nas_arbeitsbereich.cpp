@@ -24,6 +24,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
@@ -460,6 +461,70 @@ TEST(NasLauf, DxfDesTestbezirks) {
     EXPECT_LE(außerhalb * 100, umringe.size()) << außerhalb << " parcels outside the error limit";
     std::printf("Testbezirk: %zu von %zu Flurstücken außerhalb der Fehlergrenze der amtlichen Fläche\n",
                 außerhalb, umringe.size());
+}
+
+// The parcels of the states' WFS services (collections without an extract element and without
+// owners) compile into rows; their keys, areas and Gemeinde keys agree with GDAL's reading.
+TEST(NasLauf, WfsSammlungenWieGdal) {
+    const fs::path quellen[] = {
+        test::GemeinsameTestdaten() / "state-wfs-nas" / "BB_NAS-konform_10flst.xml",
+        test::GemeinsameTestdaten() / "state-wfs-nas" / "BB_AAA-basiert_10flst.xml",
+        test::GemeinsameTestdaten() / "state-wfs-nas" / "HE_NAS-konform_10flst.xml",
+        test::GemeinsameTestdaten() / "state-wfs-nas" / "NW_NAS-konform_10flst.xml",
+        test::GemeinsameTestdaten() / "nrw-wfs-nas" / "NW_flurstueck_DENW21AL100077H6.gml"};
+    if (!fs::exists(quellen[0]))
+        GTEST_SKIP() << "WFS-Beispiele fehlen (" << quellen[0] << ")";
+    const bool mitGdal = test::ImSuchpfad("ogrinfo");
+    for (const fs::path& quelle : quellen) {
+        SCOPED_TRACE(quelle.filename().string());
+        Arbeit a;
+        const fs::path datei = a.ordner.pfad() / quelle.filename();
+        fs::copy_file(quelle, datei);
+        NasArbeitsbereich bereich(a.zustand, a.ui);
+        bereich.interaktiv = false;
+        Kataster kataster;
+        NasLaufauftrag lauf;
+        lauf.datei = datei;
+        NasLaufbericht bericht;
+        ASSERT_TRUE(NasLauf(bereich, lauf, [&](const auto& f) { return f(kataster); }, bericht));
+        EXPECT_TRUE(std::any_of(a.ui.Ereignisse().begin(), a.ui.Ereignisse().end(), [](const Ereignis& e) {
+            return e.art == Ereignis::Art::Protokoll && e.text.find("WFS-Sammlung (GID 6.0) erkannt") != std::string::npos;
+        }));
+        // Ours: key → area and Gemeinde key (Kreis and Gemeinde, as GDAL reads them as numbers).
+        std::map<std::string, std::string> unsere;
+        for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z) {
+            const std::string schlüssel(kataster.Zelle(z, "Gemeindeschlüssel"));
+            ASSERT_EQ(schlüssel.size(), 8U) << schlüssel;
+            unsere[std::string(kataster.Zelle(z, "Flurstückskennzeichen"))] =
+                std::to_string(std::atoll(std::string(kataster.Zelle(z, "Fläche")).c_str())) + " " +
+                std::to_string(std::atoi(schlüssel.substr(3, 2).c_str())) + " " +
+                std::to_string(std::atoi(schlüssel.substr(5).c_str()));
+        }
+        EXPECT_FALSE(unsere.empty());
+        EXPECT_EQ(kataster.Zeilenzahl(), unsere.size()) << "one row per parcel: no owners";
+        if (!mitGdal)
+            continue;
+        const auto gdal = test::GdalAuf(a.ordner.pfad(), datei, "ogrinfo -ro -al -q");
+        ASSERT_EQ(gdal.status, 0) << gdal.ausgabe;
+        std::map<std::string, std::string> ihre;
+        std::string kennzeichen, fläche, kreis;
+        std::istringstream zeilen(gdal.ausgabe);
+        const auto wert = [](const std::string& zeile) { return zeile.substr(zeile.find(" = ") + 3); };
+        for (std::string zeile; std::getline(zeilen, zeile);) {
+            if (zeile.find("flurstueckskennzeichen (String) = ") != std::string::npos) {
+                kennzeichen = wert(zeile);
+                std::replace(kennzeichen.begin(), kennzeichen.end(), '_', '0');
+            } else if (zeile.find("amtlicheFlaeche (") != std::string::npos) {
+                fläche = std::to_string(std::atoll(wert(zeile).c_str()));
+            } else if (zeile.find("kreis (Integer) = ") != std::string::npos) {
+                kreis = wert(zeile);
+            } else if (zeile.find("gemeinde (Integer) = ") != std::string::npos && !kennzeichen.empty()) {
+                ihre[kennzeichen] = fläche + " " + kreis + " " + wert(zeile);
+                kennzeichen.clear();
+            }
+        }
+        EXPECT_EQ(unsere, ihre);
+    }
 }
 
 } // namespace
