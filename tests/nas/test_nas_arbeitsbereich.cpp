@@ -52,6 +52,14 @@ struct Arbeit : test::NasInstallation {
             fs::copy_file(Muster, ordner / name);
         return ordner / name;
     }
+    /// The window's run, unattended, straight into `kataster`.
+    Ergebnis DirektLaufen(NasArbeitsbereich& bereich, const fs::path& datei, Kataster& kataster) {
+        bereich.interaktiv = false;
+        NasLaufauftrag lauf;
+        lauf.datei = datei;
+        NasLaufbericht bericht;
+        return NasLauf(bereich, lauf, [&](const auto& f) { return f(kataster); }, bericht);
+    }
     /// The work databases lying in the work folder.
     int Arbeitsdatenbanken() const {
         int anzahl = 0;
@@ -249,12 +257,8 @@ TEST(NasLauf, DirektImportGleichDemDirektenWeg) {
         ASSERT_TRUE(NasDirektImport(auftrag, direkt, a.ui, bericht));
     }
     NasArbeitsbereich bereich(a.zustand, a.ui);
-    bereich.interaktiv = false;
     Kataster kataster;
-    NasLaufauftrag lauf;
-    lauf.datei = datei;
-    NasLaufbericht bericht;
-    ASSERT_TRUE(NasLauf(bereich, lauf, [&](const auto& f) { return f(kataster); }, bericht));
+    ASSERT_TRUE(a.DirektLaufen(bereich, datei, kataster));
     ASSERT_EQ(kataster.Zeilenzahl(), direkt.Zeilenzahl());
     ASSERT_EQ(kataster.Spaltenzahl(), direkt.Spaltenzahl());
     for (std::size_t z = 0; z < kataster.Zeilenzahl(); ++z)
@@ -481,12 +485,8 @@ TEST(NasLauf, WfsSammlungenWieGdal) {
         const fs::path datei = a.ordner.pfad() / quelle.filename();
         fs::copy_file(quelle, datei);
         NasArbeitsbereich bereich(a.zustand, a.ui);
-        bereich.interaktiv = false;
         Kataster kataster;
-        NasLaufauftrag lauf;
-        lauf.datei = datei;
-        NasLaufbericht bericht;
-        ASSERT_TRUE(NasLauf(bereich, lauf, [&](const auto& f) { return f(kataster); }, bericht));
+        ASSERT_TRUE(a.DirektLaufen(bereich, datei, kataster));
         EXPECT_TRUE(std::any_of(a.ui.Ereignisse().begin(), a.ui.Ereignisse().end(), [](const Ereignis& e) {
             return e.art == Ereignis::Art::Protokoll && e.text.find("WFS-Sammlung (GID 6.0) erkannt") != std::string::npos;
         }));
