@@ -30,6 +30,7 @@ namespace flurix::nas {
 struct Lesestatistik {
     std::uint64_t objekte = 0;          ///< features cut from the file
     std::uint64_t ladefehler = 0;       ///< features whose document did not parse
+    std::uint64_t ohneKennung = 0;      ///< features without gml:id (no reference can reach them)
     std::map<std::string, std::uint64_t> doppelteKennungen; ///< per table: rows not stored
 };
 

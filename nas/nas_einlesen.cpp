@@ -107,6 +107,9 @@ void StatistikProtokollieren(const Lesestatistik& statistik, const ObjektSchneid
     if (statistik.ladefehler)
         protokoll.Eintrag(", " + std::to_string(statistik.ladefehler) +
                           " Objekte nicht lesbar (Fehler beim Laden des Dokumentes)...");
+    if (statistik.ohneKennung)
+        protokoll.Eintrag(", " + std::to_string(statistik.ohneKennung) +
+                          " Objekte ohne gml:id gelesen (kein Bezug kann sie erreichen)...");
     for (const auto& [tabelle, anzahl] : statistik.doppelteKennungen)
         protokoll.Eintrag(", " + tabelle + ": " + std::to_string(anzahl) +
                           " Objekte mit schon vorhandener gml:id nicht übernommen...");
@@ -267,6 +270,10 @@ private:
         }
         const NasFormbefund form = NasFormErkennen(m_kopf);
         m_präfix = form.präfix;
+        // One node file reads every version alike; a mix is worth a line, not a refusal.
+        for (const std::string& version : form.weitereVersionen)
+            m_protokoll.Eintrag(", Hinweis: Die Datei nennt neben GID " + form.gid + " auch GID " + version +
+                                "; die Objekte werden nach der Knotendatei gelesen...");
         switch (form.form) {
         case NasForm::Bestandsdatenauszug:
             break;
@@ -357,6 +364,7 @@ private:
             auto transaktion = std::make_unique<Transaktion>(*m_db);
             std::string_view objekt;
             std::string umkodiert;
+            std::uint64_t ohneKennung = 0;
             const auto zwischenzeile = [&](std::string_view zeile) { m_notizen.Zeile(zeile); };
             while (schneider.Nächstes(objekt, zwischenzeile)) {
                 if (m_einbyte) {
@@ -364,6 +372,9 @@ private:
                     objekt = umkodiert;
                 }
                 m_notizen.Objekt(objekt);
+                // The start tag of the feature names its identifier; a service may leave it out.
+                const std::string_view starttag = objekt.substr(0, objekt.find('>', objekt.find('<')));
+                ohneKennung += starttag.find("gml:id") == std::string_view::npos ? 1 : 0;
                 const std::string_view klasse = leser.Objekt(objekt);
                 FortschrittZeigen(schneider.Position(), klasse, transaktion);
                 if (AbbruchBestätigt()) {
@@ -374,6 +385,7 @@ private:
             }
             transaktion->Bestätigen();
             m_stand.statistik = leser.Statistik();
+            m_stand.statistik.ohneKennung = ohneKennung;
             StatistikProtokollieren(m_stand.statistik, schneider, m_protokoll);
             // A cut-off file is read up to its last whole feature; the person must know that the
             // data set is incomplete, not only the protocol.

@@ -43,17 +43,25 @@ bool MerkmalPräfix(std::string_view kopf, std::string& präfix) {
     return false;
 }
 
-// The version in the AdV namespace "http://www.adv-online.de/namespaces/adv/gid/6.0".
-std::string Version(std::string_view kopf) {
+// The versions in the AdV namespaces "http://www.adv-online.de/namespaces/adv/gid/6.0", in the
+// order the head names them, each once.
+std::vector<std::string> Versionen(std::string_view kopf) {
     constexpr std::string_view ns = "adv-online.de/namespaces/adv/gid/";
-    const auto pos = kopf.find(ns);
-    if (pos == std::string_view::npos)
-        return {};
-    const auto anfang = pos + ns.size();
-    auto ende = anfang;
-    while (ende < kopf.size() && ((kopf[ende] >= '0' && kopf[ende] <= '9') || kopf[ende] == '.'))
-        ++ende;
-    return std::string(kopf.substr(anfang, ende - anfang));
+    std::vector<std::string> versionen;
+    for (auto pos = kopf.find(ns); pos != std::string_view::npos; pos = kopf.find(ns, pos + 1)) {
+        const auto anfang = pos + ns.size();
+        auto ende = anfang;
+        while (ende < kopf.size() &&
+               ((kopf[ende] >= '0' && kopf[ende] <= '9') || kopf[ende] == '.'))
+            ++ende;
+        std::string version(kopf.substr(anfang, ende - anfang));
+        while (!version.empty() && version.back() == '.')
+            version.pop_back();
+        if (!version.empty() &&
+            std::find(versionen.begin(), versionen.end(), version) == versionen.end())
+            versionen.push_back(std::move(version));
+    }
+    return versionen;
 }
 
 } // namespace
@@ -96,7 +104,11 @@ std::string NasFormbefund::Name() const {
 
 NasFormbefund NasFormErkennen(std::string_view kopf) {
     NasFormbefund befund;
-    befund.gid = Version(kopf);
+    std::vector<std::string> versionen = Versionen(kopf);
+    if (!versionen.empty()) {
+        befund.gid = versionen.front();
+        befund.weitereVersionen.assign(versionen.begin() + 1, versionen.end());
+    }
     if (kopf.find("AX_NutzerbezogeneBestandsdatenaktualisierung_NBA") != std::string_view::npos) {
         befund.form = NasForm::Aktualisierung;
         NasPräfix(kopf, befund.präfix);

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace flurix::nas {
 
@@ -23,6 +24,8 @@ struct NasFormbefund {
     std::string präfix;
     /// The GeoInfoDok version of the AdV namespace ("6.0", "6.0.1", "7.1"); "" when none is named.
     std::string gid;
+    /// Further versions the head names besides `gid` (a file put together from two sources).
+    std::vector<std::string> weitereVersionen;
 
     /// "NAS-Bestandsdatenauszug (GID 6.0)", "WFS-Sammlung (GID 7.1)", "NBA-Aktualisierung",
     /// "unbekannte Form".

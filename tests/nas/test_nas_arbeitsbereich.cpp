@@ -527,5 +527,34 @@ TEST(NasLauf, WfsSammlungenWieGdal) {
     }
 }
 
+// A collection of buildings only, one of them without gml:id: both are read, the protocol counts
+// the one no reference can reach, and the compilation says there are no parcels.
+TEST(NasLauf, WfsSammlungNurGebäude) {
+    Arbeit a;
+    const fs::path datei = a.ordner.pfad() / "gebaeude.xml";
+    DateiSchreiben(datei, R"(<?xml version="1.0" encoding="utf-8"?>
+<wfs:FeatureCollection xmlns="http://www.adv-online.de/namespaces/adv/gid/7.1" xmlns:gml="http://www.opengis.net/gml/3.2" xmlns:wfs="http://www.opengis.net/wfs/2.0">
+<wfs:boundedBy><gml:Envelope srsName="urn:ogc:def:crs:EPSG::25832"><gml:lowerCorner>350000 5600000</gml:lowerCorner></gml:Envelope></wfs:boundedBy>
+<wfs:member><AX_Gebaeude gml:id="DENW000000000001"><gebaeudefunktion>2000</gebaeudefunktion></AX_Gebaeude></wfs:member>
+<wfs:member><AX_Gebaeude><gebaeudefunktion>2000</gebaeudefunktion></AX_Gebaeude></wfs:member>
+</wfs:FeatureCollection>
+)");
+    NasArbeitsbereich bereich(a.zustand, a.ui);
+    Kataster kataster;
+    EXPECT_FALSE(a.DirektLaufen(bereich, datei, kataster));
+    EXPECT_EQ(kataster.Zeilenzahl(), 0U);
+    std::vector<std::string> protokoll, meldungen;
+    for (const Ereignis& e : a.ui.Ereignisse())
+        (e.art == Ereignis::Art::Protokoll ? protokoll : meldungen).push_back(e.text);
+    const auto enthält = [](const std::vector<std::string>& zeilen, std::string_view text) {
+        return std::any_of(zeilen.begin(), zeilen.end(),
+                           [&](const std::string& z) { return z.find(text) != std::string::npos; });
+    };
+    EXPECT_TRUE(enthält(protokoll, "WFS-Sammlung (GID 7.1) erkannt"));
+    EXPECT_TRUE(enthält(protokoll, "1 Objekte ohne gml:id gelesen"));
+    EXPECT_TRUE(enthält(meldungen, "Keine Daten vorhanden!"));
+    EXPECT_EQ(DAO_Zeilenzahl(bereich.Db(), "AX_Gebaeude"), 2);
+}
+
 } // namespace
 } // namespace flurix::nas

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace flurix::nas {
 namespace {
 
@@ -14,6 +17,7 @@ TEST(NasForm, AusDemKopf) {
         NasForm form;
         const char* präfix;
         const char* name;
+        std::vector<std::string> weitere = {};
     };
     const Fall fälle[] = {
         {R"(<AX_Bestandsdatenauszug xmlns="http://www.adv-online.de/namespaces/adv/gid/6.0">)",
@@ -27,8 +31,15 @@ TEST(NasForm, AusDemKopf) {
         {R"(<wfs:FeatureCollection xmlns:adv="http://www.adv-online.de/namespaces/adv/gid/6.0.1">
 <gml:featureMember><adv:AX_Gebaeude gml:id="DENW000001">)",
          NasForm::WfsSammlung, "adv:", "WFS-Sammlung (GID 6.0.1)"},
-        {R"(<AX_NutzerbezogeneBestandsdatenaktualisierung_NBA xmlns="http://www.adv-online.de/namespaces/adv/gid/6.0">)",
+        {R"(<AX_NutzerbezogeneBestandsdatenaktualisierung_NBA xmlns="http://www.adv-online.de/namespaces/adv/gid/6.0"
+ xmlns:advext="http://www.adv-online.de/namespaces/adv/gid/6.0/ext" xmlns:wfs="http://www.adv-online.de/namespaces/adv/gid/wfs">)",
          NasForm::Aktualisierung, "", "NBA-Aktualisierung (GID 6.0)"},
+        // Two versions in one head: the first names the file, the other is kept for a hint.
+        {R"(<AX_Bestandsdatenauszug xmlns="http://www.adv-online.de/namespaces/adv/gid/6.0" xmlns:b="http://www.adv-online.de/namespaces/adv/gid/7.1">)",
+         NasForm::Bestandsdatenauszug,
+         "",
+         "NAS-Bestandsdatenauszug (GID 6.0)",
+         {"7.1"}},
         // A collection of other features is no NAS, nor is a Web-XML extract.
         {R"(<wfs:FeatureCollection><wfs:member><ns:Baum gml:id="b1">)", NasForm::Unbekannt, "",
          "unbekannte Form"},
@@ -40,6 +51,7 @@ TEST(NasForm, AusDemKopf) {
         EXPECT_EQ(befund.form, f.form);
         EXPECT_EQ(befund.präfix, f.präfix);
         EXPECT_EQ(befund.Name(), f.name);
+        EXPECT_EQ(befund.weitereVersionen, f.weitere);
     }
 }
 
