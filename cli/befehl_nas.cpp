@@ -8,6 +8,8 @@
 #include "core/kataster.hpp"
 #include "nas/nas_datenbank.hpp"
 #include "nas/nas_direkt.hpp"
+#include "nas/nba_anwenden.hpp"
+#include "nas/nas_protokoll.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
@@ -79,11 +81,38 @@ bool FlächenoptionenSetzen(const Argumente& args, nas::NasDirektAuftrag& auftra
     return true;
 }
 
+// --aktualisieren: an update delivery applied to the object database of --db.
+int Aktualisieren(const Argumente& args, std::ostream& aus, std::ostream& fehler, const Umgebung& umgebung) {
+    const auto db = args.Wert("--db");
+    if (!db || args.Wert("--out")) {
+        fehler << "flurix nas: --aktualisieren braucht --db <objektdatenbank.sqlite> und kein --out.\n";
+        return 2;
+    }
+    Sitzung sitzung(umgebung, fehler);
+    if (!sitzung.Starten(""))
+        return 1;
+    const std::filesystem::path datei = args.positionen.front();
+    nas::NasProtokoll protokoll(sitzung.ui, args.Hat("--ohne-protokoll") ? std::filesystem::path()
+                                                                         : nas::NasProtokoll::DateiZu(datei));
+    try {
+        const nas::NbaBericht bericht =
+            nas::NbaAnwenden(datei, *db, sitzung.zustand.installation.Konfig(), protokoll, sitzung.ui);
+        aus << bericht.eingefügt << " eingefügt, " << bericht.ersetzt << " ersetzt, " << bericht.gelöscht
+            << " gelöscht, " << bericht.nichtVorhanden << " nicht vorhanden, " << bericht.übergangen
+            << " übergangen\n";
+        return sitzung.Beenden(0);
+    } catch (const std::exception& e) {
+        fehler << e.what() << '\n';
+        return sitzung.Beenden(1);
+    }
+}
+
 } // namespace
 
 int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std::ostream& fehler,
               const Umgebung& umgebung) {
-    const auto args = ArgumenteLesen(argumente, {"--ohne-protokoll", "--nutzung-ohne-ax", "--ohne-anpassung"},
+    const auto args = ArgumenteLesen(argumente,
+                                     {"--ohne-protokoll", "--nutzung-ohne-ax", "--ohne-anpassung", "--aktualisieren"},
                                      {"--db", "--out", "--format", "--optionen", "--flaechen", "--svg"}, fehler);
     if (!args)
         return 2;
@@ -105,6 +134,9 @@ int BefehlNas(const std::vector<std::string>& argumente, std::ostream& aus, std:
         fehler << "flurix nas: --format gilt nur mit --out.\n";
         return 2;
     }
+
+    if (args->Hat("--aktualisieren"))
+        return Aktualisieren(*args, aus, fehler, umgebung);
 
     Sitzung sitzung(umgebung, fehler);
     if (!sitzung.Starten(""))

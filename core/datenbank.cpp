@@ -524,20 +524,27 @@ void Datenbank::IndexAnlegen(std::string_view index, std::string_view tabelle,
 
 // --- Transaktion -----------------------------------------------------------------------------
 
-Transaktion::Transaktion(Datenbank& db) : m_db(db) { m_db.AusführenNativ("BEGIN"); }
+Transaktion::Transaktion(Datenbank& db) : m_db(db), m_innen(db.TransaktionOffen()) {
+    m_db.AusführenNativ(m_innen ? "SAVEPOINT innere_transaktion" : "BEGIN");
+}
 
 Transaktion::~Transaktion() {
     if (m_bestätigt || !m_db.TransaktionOffen())
         return; // SQLite may have rolled back already after a hard error
     try {
-        m_db.AusführenNativ("ROLLBACK");
+        if (m_innen) {
+            m_db.AusführenNativ("ROLLBACK TO innere_transaktion");
+            m_db.AusführenNativ("RELEASE innere_transaktion");
+        } else {
+            m_db.AusführenNativ("ROLLBACK");
+        }
     } catch (...) {
         // A destructor must not throw; the connection closes the transaction at the latest.
     }
 }
 
 void Transaktion::Bestätigen() {
-    m_db.AusführenNativ("COMMIT");
+    m_db.AusführenNativ(m_innen ? "RELEASE innere_transaktion" : "COMMIT");
     m_bestätigt = true;
 }
 

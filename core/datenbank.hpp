@@ -202,11 +202,12 @@ private:
 };
 
 /// A transaction over one Datenbank: BEGIN when made, COMMIT with Bestätigen, ROLLBACK in the
-/// destructor when it was not confirmed (an exception on the way out undoes the work). Not
-/// nested: a second one while one is open throws Fehler.
+/// destructor when it was not confirmed (an exception on the way out undoes the work). One made
+/// while another is open is a savepoint inside it: its confirmation keeps its work for the outer
+/// one to commit or undo, its rollback undoes only its own work.
 class Transaktion {
 public:
-    /// Begins the transaction. Throws Fehler when SQLite refuses (one is open already).
+    /// Begins the transaction (or the savepoint). Throws Fehler when SQLite refuses.
     explicit Transaktion(Datenbank& db);
     Transaktion(const Transaktion&) = delete;
     Transaktion& operator=(const Transaktion&) = delete;
@@ -221,6 +222,7 @@ public:
 
 private:
     Datenbank& m_db;
+    bool m_innen = false; ///< a savepoint in an open transaction
     bool m_bestätigt = false;
 };
 

@@ -249,8 +249,7 @@ Erkennung DateiErkennen(const std::filesystem::path& datei) {
         if (form.form != nas::NasForm::Unbekannt)
             e.beschreibung += ": " + form.Name();
         if (form.form == nas::NasForm::Aktualisierung) {
-            e.leser = "keiner: Aktualisierungen werden noch nicht eingelesen";
-            e.unterstützt = false;
+            e.leser = "flurix nas <datei> --db <objektdatenbank> --aktualisieren";
         }
     }
     return e;

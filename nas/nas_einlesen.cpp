@@ -294,7 +294,9 @@ private:
             break;
         }
         case NasForm::Aktualisierung:
-            return Ergebnis::Fehlschlag(NochNichtVerfügbar("Das Einlesen von NBA-Aktualisierungen"));
+            return Ergebnis::Fehlschlag("Die Datei ist eine NBA-Aktualisierung: sie wird in eine bestehende "
+                                        "NAS-Datenbank übernommen (flurix nas <datei> --db <datenbank> "
+                                        "--aktualisieren)!   ");
         case NasForm::Unbekannt:
             return Ergebnis::Fehlschlag("ERR: Knoten AX_Bestandsdatenauszug nicht vorhanden!\n" +
                                         std::string(Abbruch));

@@ -135,8 +135,30 @@ TEST(Transaktion, NurBestätigtesBleibt) {
               }), "");
     EXPECT_FALSE(db.TransaktionOffen());
     EXPECT_EQ(Spalte(db, "SELECT a FROM t"), Werte{"1"});
-    Transaktion äußere(db);
-    EXPECT_THROW(Transaktion innere(db), Fehler);
+    // Inside an open one: a savepoint. Its confirmed work waits for the outer commit, its undone
+    // work goes alone.
+    {
+        Transaktion äußere(db);
+        {
+            Transaktion innere(db);
+            db.Ausführen("INSERT INTO t VALUES (4)");
+            innere.Bestätigen();
+        }
+        {
+            Transaktion innere(db);
+            db.Ausführen("INSERT INTO t VALUES (5)");
+        }
+        EXPECT_TRUE(db.TransaktionOffen());
+        äußere.Bestätigen();
+    }
+    EXPECT_EQ(Spalte(db, "SELECT a FROM t ORDER BY a"), (Werte{"1", "4"}));
+    {
+        Transaktion äußere(db);
+        Transaktion innere(db);
+        db.Ausführen("INSERT INTO t VALUES (6)");
+        innere.Bestätigen();
+    }
+    EXPECT_EQ(Spalte(db, "SELECT a FROM t ORDER BY a"), (Werte{"1", "4"})) << "the outer rollback takes the inner work";
 }
 
 TEST(Anweisung, BindenLesenZurücksetzenVerschieben) {
