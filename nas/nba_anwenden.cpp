@@ -154,6 +154,13 @@ NbaBericht NbaAnwenden(const std::filesystem::path& datei, const std::filesystem
             break;
         }
     }
+    // An update for another data set finds none of the objects it deletes or replaces.
+    if (const std::size_t ziele = bericht.gelöscht + bericht.ersetzt;
+        ziele > 0 && bericht.nichtVorhanden == ziele)
+        throw Fehler("Die Aktualisierung \"" + datei.string() +
+                     "\" passt nicht zu dieser Datenbank: keines der " + std::to_string(ziele) +
+                     " gelöschten oder ersetzten Objekte ist vorhanden; die Datenbank bleibt "
+                     "unverändert!");
     if (operationen.Abgeschnitten())
         throw Fehler("Die Datei \"" + datei.string() +
                      "\" endet mitten in einer Operation; die Datenbank bleibt unverändert!");

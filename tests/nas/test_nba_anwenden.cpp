@@ -146,6 +146,21 @@ TEST(NbaAnwenden, FehlerLässtDieDatenbankWieSieWar) {
                              inst.ordner / "inst" / "config", protokoll, ui),
                  Fehler);
     EXPECT_EQ(Zeilen(inst.ordner / "bestand.sqlite", "AX_Namensnummer"), vorher);
+    // An update of another data set (GDAL's sample of North Rhine-Westphalia): none of its objects
+    // is here, so it is refused as a whole.
+    const fs::path fremd = test::GemeinsameTestdaten() / "gdal-autotest-nas" / "delete_nas.xml";
+    if (fs::exists(fremd)) {
+        try {
+            NbaAnwenden(fremd, inst.ordner / "bestand.sqlite", inst.ordner / "inst" / "config",
+                        protokoll, ui);
+            ADD_FAILURE() << "an update of another data set was applied";
+        } catch (const Fehler& e) {
+            EXPECT_NE(std::string(e.what()).find("passt nicht zu dieser Datenbank"),
+                      std::string::npos)
+                << e.what();
+        }
+        EXPECT_EQ(Zeilen(inst.ordner / "bestand.sqlite", "AX_Namensnummer"), vorher);
+    }
     // Not an update at all: refused before the database is touched.
     EXPECT_THROW(NbaAnwenden(inst.ordner / "muster.xml", inst.ordner / "bestand.sqlite",
                              inst.ordner / "inst" / "config", protokoll, ui),
