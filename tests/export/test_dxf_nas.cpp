@@ -21,7 +21,6 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
 
 namespace flurix::ausgabe {
 namespace {
@@ -238,44 +237,6 @@ TEST(DxfNasExport, NurKommentareGibtLeeresGerüst) {
     EXPECT_TRUE(Objekte(bytes).empty());
     EXPECT_EQ(lauf.ui.Texte(Ereignis::Art::Protokoll).front(),
               "DXF-Export: 0 Punkte, 0 Linien, 0 Texte, 0 Polylines, 0 Schraffuren exportiert...");
-    if (test::EzdxfDa()) {
-        EXPECT_EQ(EzdxfJeLayer(test::StrikteKopie(ordner / "leer.dxf")), Zahlen());
-    }
-}
-
-// A UI that looks into the work folder while the export reads (at the first progress).
-class OrdnerBlick final : public Oberfläche {
-public:
-    explicit OrdnerBlick(fs::path ordner) : m_ordner(std::move(ordner)) {}
-    void Meldung(std::string_view text, std::string_view, Stil) override { meldungen.emplace_back(text); }
-    Antwort Frage(const Fragestellung& frage) override { return frage.unbeaufsichtigt; }
-    void Status(int, std::string_view) override {}
-    void Fortschritt(long long, long long) override {
-        if (dateien.empty())
-            for (const auto& e : fs::directory_iterator(m_ordner))
-                dateien.push_back(e.path().filename().string());
-    }
-    bool AbbruchGewünscht() override { return false; }
-    void Protokoll(std::string_view) override {}
-
-    std::vector<std::string> dateien, meldungen;
-
-private:
-    fs::path m_ordner;
-};
-
-// The work database lives in the work folder under its name while the file is read, and goes.
-TEST(DxfNasExport, ArbeitsdatenbankImArbeitsverzeichnis) {
-    test::TempOrdner ordner;
-    fs::create_directory(ordner / "arbeit");
-    OrdnerBlick ui(ordner / "arbeit");
-    ASSERT_TRUE(DXFExport(Daten("alle_satzarten_dxf.out"), ordner / "k.dxf", {.arbeitsverzeichnis = ordner / "arbeit", .protokoll = {}}, ui));
-    ASSERT_EQ(ui.dateien.size(), 1u);
-    EXPECT_TRUE(std::regex_match(ui.dateien[0], std::regex("tmp_dao_dxf_export_\\d{17}_" +
-                                                             std::to_string(::getpid()) + "\\.sqlite")))
-        << ui.dateien[0];
-    EXPECT_TRUE(fs::is_empty(ordner / "arbeit"));
-    EXPECT_TRUE(ui.meldungen.empty());
 }
 
 // A missing file: the message shown and returned, the older drawing left as it was, no work

@@ -60,6 +60,17 @@ struct Arbeit : test::NasInstallation {
         NasLaufbericht bericht;
         return NasLauf(bereich, lauf, [&](const auto& f) { return f(kataster); }, bericht);
     }
+    /// The unattended batch run: read, then the drawing beside the input; no table.
+    Ergebnis AusgabeLaufen(NasArbeitsbereich& bereich, const fs::path& datei, NasAusgabe ausgabe) {
+        bereich.interaktiv = false;
+        NasLaufauftrag lauf;
+        lauf.datei = datei;
+        lauf.direktImport = false;
+        lauf.ausgabe = ausgabe;
+        lauf.still = true;
+        NasLaufbericht bericht;
+        return NasLauf(bereich, lauf, [](const auto&) { return Ergebnis::Fehlschlag("keine Tabelle"); }, bericht);
+    }
     /// The work databases lying in the work folder.
     int Arbeitsdatenbanken() const {
         int anzahl = 0;
@@ -274,15 +285,7 @@ TEST(NasLauf, UnbeaufsichtigterLaufMitVersperrtemZielSchreibtFehlerdatei) {
     fs::create_directory(NasAusgabedatei(datei, NasAusgabe::Geograf));
     {
         NasArbeitsbereich bereich(a.zustand, a.ui);
-        bereich.interaktiv = false;
-        NasLaufauftrag lauf;
-        lauf.datei = datei;
-        lauf.direktImport = false;
-        lauf.ausgabe = NasAusgabe::Geograf;
-        lauf.still = true;
-        NasLaufbericht bericht;
-        EXPECT_FALSE(NasLauf(bereich, lauf, [](const auto&) { return Ergebnis::Fehlschlag("keine Tabelle"); },
-                             bericht));
+        EXPECT_FALSE(a.AusgabeLaufen(bereich, datei, NasAusgabe::Geograf));
     }
     ASSERT_FALSE(a.ui.Ereignisse().empty());
     const Ereignis& hinweis = a.ui.Ereignisse().back();
@@ -380,15 +383,8 @@ TEST(NasLauf, DxfDesTestbezirks) {
     std::size_t hausnummern = 0;
     {
         NasArbeitsbereich bereich(a.zustand, a.ui);
-        bereich.interaktiv = false;
         bereich.optionen.dxfMitPunktbeschriftung = true;
-        NasLaufauftrag lauf;
-        lauf.datei = datei;
-        lauf.direktImport = false;
-        lauf.ausgabe = NasAusgabe::Dxf;
-        lauf.still = true;
-        NasLaufbericht bericht;
-        ASSERT_TRUE(NasLauf(bereich, lauf, [](const auto&) { return Ergebnis::Ok(); }, bericht));
+        ASSERT_TRUE(a.AusgabeLaufen(bereich, datei, NasAusgabe::Dxf));
         Anweisung abfrage = bereich.Db().VorbereitenNativ(
             "SELECT amtlicheFlaeche, \"gml:exterior\", \"gml:interior\" FROM AX_Flurstueck ORDER BY rowid");
         while (abfrage.Schritt())

@@ -1,7 +1,7 @@
 // The drawing of a NAS data set as GEOgraf file: a small object database with every kind of object
 // and the awkward cases (shared edges of three ranks, an arc beyond a half circle, an open ring,
 // another coordinate system, no geometry) against its golden file, read back by the GRAFBAT reader
-// and drawn as DXF for the judge; the circle through three points; the parts of DefAusgabeGGout.
+// and drawn as DXF for the judge; the circle through three points.
 
 #include "nas/nas_geograf.hpp"
 
@@ -116,21 +116,6 @@ TEST(NasZeichnung, KreisDurchDreiPunkte) {
         EXPECT_NEAR(k->radius, f.erwartet->radius, 1e-6);
         EXPECT_EQ(k->richtung, f.erwartet->richtung);
         EXPECT_NEAR(k->winkel, f.erwartet->winkel, 1e-6);
-    }
-}
-
-TEST(NasZeichnung, TeileDerAusgabe) {
-    const std::tuple<const char*, bool, bool> fälle[] = {{"te;sch", true, true},
-                                                         {"te", true, false},
-                                                         {" sch ", false, true},
-                                                         {"", false, false},
-                                                         {"TE;x", false, false}};
-    for (const auto& [auswahl, texte, schraffur] : fälle) {
-        SCOPED_TRACE(auswahl);
-        NasZeichnungsauftrag auftrag;
-        DefAusgabeGGout(auftrag, auswahl);
-        EXPECT_EQ(auftrag.texte, texte);
-        EXPECT_EQ(auftrag.schraffur, schraffur);
     }
 }
 
