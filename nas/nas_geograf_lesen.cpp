@@ -38,10 +38,6 @@ std::vector<double> Zahlen(std::string_view text) {
     return zahlen;
 }
 
-std::string Zitiert(std::string_view name) {
-    return "\"" + Ersetzen(std::string(name), "\"", "\"\"") + "\"";
-}
-
 } // namespace
 
 std::string Auswahl(Datenbank& db, std::string_view tabelle,
@@ -54,9 +50,9 @@ std::string Auswahl(Datenbank& db, std::string_view tabelle,
     for (std::string_view spalte : spalten) {
         sql += erste ? "" : ", ";
         erste = false;
-        sql += vorhanden.contains(spalte) ? "t." + Zitiert(spalte) : std::string("''");
+        sql += vorhanden.contains(spalte) ? "t." + Bezeichner(spalte) : std::string("''");
     }
-    sql += " FROM " + Zitiert(tabelle) + " t";
+    sql += " FROM " + Bezeichner(tabelle) + " t";
     if (!zusatz.empty())
         sql += " " + std::string(zusatz);
     return sql;

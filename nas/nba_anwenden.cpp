@@ -19,10 +19,6 @@
 namespace flurix::nas {
 namespace {
 
-std::string Zitiert(std::string_view name) {
-    return "\"" + Ersetzen(std::string(name), "\"", "\"\"") + "\"";
-}
-
 std::string Kopf(const std::filesystem::path& datei) {
     std::ifstream ein(datei, std::ios::binary);
     std::string kopf(64 * 1024, '\0');
@@ -48,7 +44,7 @@ public:
                              tabelle.find('#') != std::string::npos))
                 continue;
             Anweisung a =
-                m_db.VorbereitenNativ("DELETE FROM " + Zitiert(tabelle) + " WHERE id = ?");
+                m_db.VorbereitenNativ("DELETE FROM " + Bezeichner(tabelle) + " WHERE id = ?");
             a.Binde(id);
             a.Schritt();
             if (eigene)
