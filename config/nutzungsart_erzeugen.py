@@ -2,7 +2,7 @@
 """Writes ALKIS_Nutzungsart.dat, the land-use texts of the area computation, from the ALKIS code
 lists and the groups of the AdV land-use catalogue.
 
-    nutzungsart_erzeugen.py [code-list CSV] [output file]
+    nutzungsart_erzeugen.py [code-list CSV] [output file] [code-list CSV of GID 7.1]
 
 Two kinds of lines, Windows-1252 with CR LF like every configuration file of the program:
 
@@ -15,8 +15,9 @@ Two kinds of lines, Windows-1252 with CR LF like every configuration file of the
       its group.
   Nutzungsart = <class> = <attribute> = <code> = <text> = <key>
       per land-use class the codes of the attribute the area computation reads (funktion where the
-      class has it, else vegetationsmerkmal), from the code lists of GeoInfoDok 6.0, and the line of
-      code 0 for a polygon without a code: its text is the class name. <key> is the class's group.
+      class has it, else vegetationsmerkmal), from the code lists of GeoInfoDok 6.0 followed by the
+      codes only 7.1 knows, and the line of code 0 for a polygon without a code: its text is the
+      class name. <key> is the class's group.
 
 The code lists and their classes are the land-use part of the table ZUORDNUNG of
 werteart_erzeugen.py; the class names come from the list of the land-use classes beside the code
@@ -78,15 +79,17 @@ KOPF = """\
 *     Gruppe der Objektart; Wert 0 steht für eine Fläche ohne Wert.
 *
 * Herkunft: Gruppen und Schlüssel aus dem Nutzungsartenkatalog der AdV, Werte und Texte aus den
-* Wertearten der GeoInfoDok 6.0. Erzeugt mit nutzungsart_erzeugen.py. Ein Text darf weder ";"
+* Wertearten der GeoInfoDok 6.0, dahinter die Werte, die erst GeoInfoDok 7.1 kennt, mit ihren
+* Texten aus 7.1. Erzeugt mit nutzungsart_erzeugen.py. Ein Text darf weder ";"
 * noch "=" enthalten.
 ***********************************************************************************************
 """
 
 
 def main(argv):
-    csv_pfad, ziel = werteart_erzeugen.Pfade(argv, "ALKIS_Nutzungsart.dat")
+    csv_pfad, csv71, ziel = werteart_erzeugen.Pfade(argv, "ALKIS_Nutzungsart.dat")
     listen = werteart_erzeugen.Wertelisten(csv_pfad)
+    listen71 = werteart_erzeugen.Wertelisten(csv71)
     codeliste = {(objektart, attribut): liste
                  for liste, objektart, attribut, _ in werteart_erzeugen.ZUORDNUNG}
 
@@ -100,7 +103,8 @@ def main(argv):
         gelesen = attribut or "vegetationsmerkmal"
         zeilen.append(f"Nutzungsart = {klasse} = {gelesen} = 0 = {name} = {schlüssel}")
         liste = codeliste.get((klasse, attribut)) if attribut else None
-        for code, beschreibung in listen.get(liste, []):
+        codes = werteart_erzeugen.Codes(listen, listen71, liste, klasse, attribut) if liste else []
+        for code, beschreibung in codes:
             text = werteart_erzeugen.Säubern(beschreibung)
             zeilen.append(f"Nutzungsart = {klasse} = {gelesen} = {code} = {text} = {schlüssel}")
 

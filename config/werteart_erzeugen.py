@@ -1,12 +1,20 @@
 #!/usr/bin/env python3
 """Writes ALKIS_Werteart.dat, the code-to-text table of the NAS import, from the ALKIS code lists.
 
-    werteart_erzeugen.py [code-list CSV] [output file]
+    werteart_erzeugen.py [code-list CSV] [output file] [code-list CSV of GID 7.1]
 
 The CSV is the list of the Wertearten of the AAA catalogue (GeoInfoDok 6.0), ";"-separated, UTF-8,
 with the header "typ;uml_typ;wert;beschreibung;dokumentation" (typ is the name of the code list,
 for instance AX_Anrede_Person). By default it is read from the shared test data beside the
-repository and the output goes beside this script.
+repository and the output goes beside this script; the list of GeoInfoDok 7.1 is read from the
+same folder ("alkis-wertearten-gid71.csv") unless a third argument names it.
+
+Both versions of NAS compile to the same table: the texts are those of 6.0, and the codes that
+only 7.1 knows follow with their 7.1 texts. 7.1 renamed and split some lists of the soil
+assessment (kulturart became nutzungsart, zustandsstufeOderBodenstufe became zustandsstufe and
+bodenstufe, entstehungsartOderKlimastufeWasserverhaeltnisse became entstehungsart, klimastufe and
+wasserverhaeltnisse); the node file reads the new elements into the old columns, and the table
+AUS_GID71 below gives their codes the old keys.
 
 Each line of the output reads "<Objektart> = <Attribut> = <Code> = <Text>". The lines of one
 "<Objektart> = <Attribut>" stand together, because the import collects them by that key. The file
@@ -68,6 +76,17 @@ ZUORDNUNG = [
     ("AX_Funktion_Meer", "AX_Meer", "funktion", "text"),
 ]
 
+# GeoInfoDok 7.1: code lists of renamed or split attributes and the column of 6.0 they fill.
+# Their codes are those of the 6.0 list (7.1 added a few, which follow).
+AUS_GID71 = [
+    ("AX_Nutzungsart_Bodenschaetzung", "AX_Bodenschaetzung", "kulturart"),
+    ("AX_Zustandsstufe", "AX_Bodenschaetzung", "zustandsstufeOderBodenstufe"),
+    ("AX_Bodenstufe", "AX_Bodenschaetzung", "zustandsstufeOderBodenstufe"),
+    ("AX_Entstehungsart", "AX_Bodenschaetzung", "entstehungsartOderKlimastufeWasserverhaeltnisse"),
+    ("AX_Klimastufe", "AX_Bodenschaetzung", "entstehungsartOderKlimastufeWasserverhaeltnisse"),
+    ("AX_Wasserverhaeltnisse", "AX_Bodenschaetzung", "entstehungsartOderKlimastufeWasserverhaeltnisse"),
+]
+
 KOPF = """\
 ***********************************************************************************************
 * ALKIS_Werteart.dat - Texte zu den Schlüsselwerten (Wertearten) der NAS-Daten
@@ -80,8 +99,9 @@ KOPF = """\
 * Schlüssel durch die Texte. Die Flächenverschneidung nimmt die Kurzzeichen der Bodenschätzung
 * (Bodenart 1200 ergibt Sl) und die Texte von funktion und vegetationsmerkmal der Nutzungsarten.
 *
-* Herkunft: die Wertearten des AAA-Katalogs der AdV (GeoInfoDok 6.0). Erzeugt mit
-* werteart_erzeugen.py aus der Liste der Wertearten; die Zuordnung von Werteart zu Objektart und
+* Herkunft: die Wertearten des AAA-Katalogs der AdV (GeoInfoDok 6.0), dahinter je Attribut die
+* Schlüssel, die erst GeoInfoDok 7.1 kennt, mit ihren Texten aus 7.1. Erzeugt mit
+* werteart_erzeugen.py aus den Listen der Wertearten; die Zuordnung von Werteart zu Objektart und
 * Attribut steht in dem Skript.
 *
 * Erweitern: die Werteart in die Tabelle ZUORDNUNG des Skripts aufnehmen und das Skript erneut
@@ -118,13 +138,14 @@ def Säubern(text):
 
 
 def Pfade(argv, zielname):
-    """The code-list CSV and the output file from the command line, or their defaults: the shared
-    test data beside the repository and `zielname` beside this script."""
+    """The code-list CSVs of 6.0 and 7.1 and the output file from the command line, or their
+    defaults: the shared test data beside the repository and `zielname` beside this script."""
     hier = pathlib.Path(__file__).resolve().parent
     csv_pfad = pathlib.Path(argv[1]) if len(argv) > 1 else \
         hier.parent.parent / "shared" / "testdata" / "alkis-codelists" / "alkis-wertearten-gid6.csv"
     ziel = pathlib.Path(argv[2]) if len(argv) > 2 else hier / zielname
-    return csv_pfad, ziel
+    csv71 = pathlib.Path(argv[3]) if len(argv) > 3 else csv_pfad.parent / "alkis-wertearten-gid71.csv"
+    return csv_pfad, csv71, ziel
 
 
 def Wertelisten(csv_pfad):
@@ -136,6 +157,20 @@ def Wertelisten(csv_pfad):
     return listen
 
 
+def Codes(listen, listen71, liste, objektart, attribut):
+    """The codes of one "<Objektart> = <Attribut>": those of the 6.0 list, then the codes that
+    only 7.1 knows, from the list of the same name and from the renamed lists of AUS_GID71."""
+    codes = list(listen[liste])
+    bekannt = {code for code, _ in codes}
+    quellen = [liste] + [l71 for l71, o, a in AUS_GID71 if (o, a) == (objektart, attribut)]
+    for quelle in quellen:
+        for code, beschreibung in listen71.get(quelle, []):
+            if code not in bekannt:
+                bekannt.add(code)
+                codes.append((code, beschreibung))
+    return codes
+
+
 def Schreiben(ziel, kopf, zeilen):
     """Windows-1252 with CR LF, as every configuration file of the program."""
     inhalt = kopf + "\n".join(zeilen) + "\n"
@@ -144,15 +179,16 @@ def Schreiben(ziel, kopf, zeilen):
 
 
 def main(argv):
-    csv_pfad, ziel = Pfade(argv, "ALKIS_Werteart.dat")
+    csv_pfad, csv71, ziel = Pfade(argv, "ALKIS_Werteart.dat")
     listen = Wertelisten(csv_pfad)
+    listen71 = Wertelisten(csv71)
 
     zeilen = []
     gesehen = set()
     for liste, objektart, attribut, form in ZUORDNUNG:
         if liste not in listen:
             raise SystemExit(f"Werteart {liste} fehlt in {csv_pfad}")
-        for code, beschreibung in listen[liste]:
+        for code, beschreibung in Codes(listen, listen71, liste, objektart, attribut):
             text = Säubern(Kurzform(beschreibung) if form == "kurz" else beschreibung)
             schlüssel = (objektart, attribut, code)
             if schlüssel in gesehen:

@@ -150,6 +150,7 @@ struct ElementLeser::Klasse {
     struct Feld {
         const KnotenFeld* knoten = nullptr;
         std::vector<Schritt> schritte;
+        std::vector<std::vector<Schritt>> auch; // further paths into the same column
         int spalte = -1; // attribute and geometry fields
         Umwandlung umwandlung = Umwandlung::Keine;
         bool kennzeichen = false; // flurstueckskennzeichen: "_" becomes "0"
@@ -257,6 +258,8 @@ ElementLeser::ElementLeser(Datenbank& db, const KnotenDatei& knoten, Dateirahmen
                     feld.geometrie = static_cast<int>(m_intern->TagNummer(kf.text));
                 } else {
                     feld.schritte = PfadZerlegen(kf.text, m_rahmen.präfix);
+                    for (const auto& pfad : kf.auch)
+                        feld.auch.push_back(PfadZerlegen(pfad, m_rahmen.präfix));
                 }
                 if (kf.text.find("LineStringSegment") != std::string::npos)
                     feld.umwandlung = Umwandlung::Linie;
@@ -382,8 +385,11 @@ void ElementLeser::Zeilen(Klasse& klasse, const Fund& fund) {
                 const std::vector<pugi::xml_node>* knotenliste = &intern.auswahl;
                 if (feld.geometrie >= 0)
                     knotenliste = &intern.funde[static_cast<std::size_t>(feld.geometrie)].knoten;
-                else if (merkmal)
+                else if (merkmal) {
                     Wählen(merkmal, feld.schritte, 0, intern.auswahl);
+                    for (const auto& schritte : feld.auch)
+                        Wählen(merkmal, schritte, 0, intern.auswahl);
+                }
                 std::string wert;
                 bool erster = true;
                 for (const auto& knoten : *knotenliste) {

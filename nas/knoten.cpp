@@ -48,6 +48,10 @@ KnotenFeld FeldLesen(std::string_view klasse, std::string_view zeile) {
         feld.ziel = TokenNr(feld.text, 3, "@");
     } else if (IstGeometrie(feld.text)) {
         feld.art = Feldart::Geometrie;
+    } else {
+        for (auto pfad : Teilen(TokenNr(zeile, 3, "="), ';'))
+            if (const auto p = TrimmeLeerzeichen(pfad); !p.empty())
+                feld.auch.emplace_back(p);
     }
     return feld;
 }

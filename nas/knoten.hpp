@@ -10,6 +10,9 @@
 //   <AX_Flurstueck                                  a feature class and its table
 //   AX_Flurstueck@gml:id                            the key of the row (column "id" of every table)
 //   gemarkung/AX_Gemarkung_Schluessel/land = 10     an element path and the column's type
+//   kulturart = 10 = nutzungsart                    further element paths (";"-separated) whose
+//                                                   values go into the same column: the names a
+//                                                   later schema version gives the element
 //   istGebucht@xlink:href@AX_Buchungsstelle = 10    a reference: element@attribute@target column
 // Types are the old numeric field types: 10 text of 255 characters, 12 memo (any length); 3 and 4
 // are whole numbers, 6 and 7 floating point, anything else text.
@@ -39,6 +42,8 @@ struct KnotenFeld {
     std::string text; ///< the left side of the line, as written
     Feldart art = Feldart::Attribut;
     int typ = TypText;
+    /// Attribute only: further element paths read into the same column after the first.
+    std::vector<std::string> auch;
     // Relation only:
     std::string element;  ///< "istGebucht"
     std::string attribut; ///< "xlink:href"

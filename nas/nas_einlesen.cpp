@@ -276,6 +276,10 @@ private:
                                 "; die Objekte werden nach der Knotendatei gelesen...");
         switch (form.form) {
         case NasForm::Bestandsdatenauszug:
+            // The extracts of GeoInfoDok 7.1 read into the same columns (the node file names the
+            // renamed elements); the protocol says which version was read.
+            if (form.gid.starts_with("7"))
+                m_protokoll.Eintrag(", " + form.Name() + " erkannt...");
             break;
         case NasForm::WfsSammlung: {
             // The collections of today's WFS services carry no extract element: the check of the

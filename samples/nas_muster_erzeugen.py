@@ -3,9 +3,15 @@
 Musterstadt in the county Musterkreis: two Gemarkungen, parcels with their locations, labels,
 bookings, folios, owners and addresses, and the land use over the parcels.
 
-    nas_muster_erzeugen.py [--flurstuecke N] [--seed S] [--out DATEI]
+    nas_muster_erzeugen.py [--flurstuecke N] [--seed S] [--gid 6.0|7.1] [--bodenschaetzung]
+                           [--out DATEI]
 
-Without --out the file is samples/musterstadt_nas.xml beside this script. Everything in it is
+Without --out the file is samples/musterstadt_nas.xml beside this script. --gid 7.1 writes the
+same district in the namespace of GeoInfoDok 7.1; --bodenschaetzung adds a soil assessment
+(AX_Bodenschaetzung) over every agricultural area, with the attribute names of the version (6.0:
+kulturart, zustandsstufeOderBodenstufe, entstehungsartOderKlimastufeWasserverhaeltnisse; 7.1:
+nutzungsart, zustandsstufe or bodenstufe, entstehungsart, klimastufe, wasserverhaeltnisse). Both
+versions of one district compile to the same table. Everything in it is
 made up: names, addresses, places, keys and coordinates (ETRS89 / UTM zone 32).
 
 The structure repeats with a period of 24 parcels (the table PERIODE and the folio list BLAETTER):
@@ -792,6 +798,35 @@ def nutzung(m):
                fuss(klasse))
 
 
+# The soil assessment of the agricultural areas, alternately arable land and grassland:
+# (6.0 element, 7.1 element, code) in the order of the schema, then the two numbers.
+BODENSCHAETZUNG = (
+    ((('kulturart', 'nutzungsart', '1000'), ('bodenart', 'bodenart', '3100'),
+      ('zustandsstufeOderBodenstufe', 'zustandsstufe', '1300'),
+      ('entstehungsartOderKlimastufeWasserverhaeltnisse', 'entstehungsart', '4000')), '62', '58'),
+    ((('kulturart', 'nutzungsart', '3000'), ('bodenart', 'bodenart', '2100'),
+      ('zustandsstufeOderBodenstufe', 'bodenstufe', '2200'),
+      ('entstehungsartOderKlimastufeWasserverhaeltnisse', 'klimastufe', '6200'),
+      ('entstehungsartOderKlimastufeWasserverhaeltnisse', 'wasserverhaeltnisse', '7300')), '45', '41'),
+)
+
+
+def bodenschaetzung(m, gid):
+    ids = m.ids
+    nummer = 0
+    for klasse, _, _, segmente, loecher in m.nutzung:
+        if klasse != 'AX_Landwirtschaft':
+            continue
+        merkmale, bodenzahl, ackerzahl = BODENSCHAETZUNG[nummer % 2]
+        nummer += 1
+        werte = ''.join(f'{T5}<{e60 if gid == "6.0" else e71}>{code}</{e60 if gid == "6.0" else e71}>\n'
+                        for e60, e71, code in merkmale)
+        yield (kopf('AX_Bodenschaetzung', ids.neu()) + flaeche(ids, [segmente], loecher) + werte +
+               f'{T5}<bodenzahlOderGruenlandgrundzahl>{bodenzahl}</bodenzahlOderGruenlandgrundzahl>\n'
+               f'{T5}<ackerzahlOderGruenlandzahl>{ackerzahl}</ackerzahlOderGruenlandzahl>\n' +
+               fuss('AX_Bodenschaetzung'))
+
+
 def ausdehnung(m):
     xs = [p[0] for f in m.flurstuecke for p in (f.unten + f.oben)]
     ys = [p[1] for f in m.flurstuecke for p in (f.unten + f.oben)]
@@ -799,19 +834,20 @@ def ausdehnung(m):
     return (min(xs), min(ys)), (max(xs), max(ys))
 
 
-def schreiben(m, ziel, argumente):
+def schreiben(m, ziel, argumente, gid='6.0', mit_bodenschaetzung=False):
     unten, oben = ausdehnung(m)
+    namensraum = f'http://www.adv-online.de/namespaces/adv/gid/{gid}'
     kopfzeilen = (
         '<?xml version="1.0" encoding="UTF-8"?>\n'
         f'<!-- Invented sample data (Musterstadt), written by samples/nas_muster_erzeugen.py: {argumente} -->\n'
         '<AX_Bestandsdatenauszug\n'
-        '\txmlns="http://www.adv-online.de/namespaces/adv/gid/6.0"\n'
-        '\txmlns:adv="http://www.adv-online.de/namespaces/adv/gid/6.0"\n'
+        f'\txmlns="{namensraum}"\n'
+        f'\txmlns:adv="{namensraum}"\n'
         '\txmlns:gml="http://www.opengis.net/gml/3.2"\n'
         '\txmlns:wfs="http://www.adv-online.de/namespaces/adv/gid/wfs"\n'
         '\txmlns:xlink="http://www.w3.org/1999/xlink"\n'
         '\txmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"\n'
-        '\txsi:schemaLocation="http://www.adv-online.de/namespaces/adv/gid/6.0 NAS-Operationen.xsd">\n'
+        f'\txsi:schemaLocation="{namensraum} NAS-Operationen.xsd">\n'
         '\t<erlaeuterung>Musterdaten Musterstadt</erlaeuterung>\n'
         '\t<erfolgreich>true</erfolgreich>\n'
         '\t<antragsnummer>MUSTER0001</antragsnummer>\n'
@@ -832,7 +868,10 @@ def schreiben(m, ziel, argumente):
     with open(ziel, 'w', encoding='utf-8', newline='\n') as aus:
         aus.write(kopfzeilen)
         puffer = []
-        for teil in (verwaltung, lagen, flurstuecke, beschriftungen, grundbuch, nutzung):
+        teile = [verwaltung, lagen, flurstuecke, beschriftungen, grundbuch, nutzung]
+        if mit_bodenschaetzung:
+            teile.append(lambda m: bodenschaetzung(m, gid))
+        for teil in teile:
             for objekt in teil(m):
                 puffer.append(objekt)
                 if len(puffer) >= 2000:
@@ -846,6 +885,10 @@ def main(argv=None):
     parser = argparse.ArgumentParser(description=__doc__.split('\n\n')[0])
     parser.add_argument('--flurstuecke', type=int, default=24, help='number of parcels (default 24)')
     parser.add_argument('--seed', type=int, default=1, help='seed of the values (default 1)')
+    parser.add_argument('--gid', choices=('6.0', '7.1'), default='6.0',
+                        help='GeoInfoDok version of the namespace and the element names (default 6.0)')
+    parser.add_argument('--bodenschaetzung', action='store_true',
+                        help='add a soil assessment over the agricultural areas')
     parser.add_argument('--out', help='output file (default: musterstadt_nas.xml beside this script)')
     args = parser.parse_args(argv)
     if args.flurstuecke < 1:
@@ -853,7 +896,12 @@ def main(argv=None):
     ziel = args.out or os.path.join(os.path.dirname(os.path.abspath(__file__)), 'musterstadt_nas.xml')
     modell = Modell(args.flurstuecke, args.seed)
     # "--" may not stand in an XML comment: the arguments are named in words.
-    schreiben(modell, ziel, f'{args.flurstuecke} parcels, seed {args.seed}')
+    worte = f'{args.flurstuecke} parcels, seed {args.seed}'
+    if args.gid != '6.0':
+        worte += f', GeoInfoDok {args.gid}'
+    if args.bodenschaetzung:
+        worte += ', with soil assessment'
+    schreiben(modell, ziel, worte, args.gid, args.bodenschaetzung)
     return 0
 
 

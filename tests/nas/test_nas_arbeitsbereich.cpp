@@ -523,6 +523,55 @@ TEST(NasLauf, WfsSammlungenWieGdal) {
     }
 }
 
+// One invented district with its soil assessment, written once in GeoInfoDok 6.0 and once in 7.1
+// (namespace gid/7.1, the soil assessment's renamed and split elements): both compile to the same
+// table, cell for cell, and the assessment reaches the table.
+TEST(NasLauf, Gid71ErgibtDieselbeTabelleWie60) {
+    if (!test::ImSuchpfad("python3"))
+        GTEST_SKIP() << "python3 fehlt: der Erzeuger kann nicht laufen.";
+    Arbeit a;
+    std::vector<Kataster> tabellen;
+    std::vector<std::vector<std::string>> protokolle;
+    for (const std::string gid : {"6.0", "7.1"}) {
+        SCOPED_TRACE(gid);
+        const fs::path datei = a.ordner.pfad() / ("muster_" + gid + ".xml");
+        const fs::path erzeuger = fs::path(FLURIX_QUELLEN) / "samples" / "nas_muster_erzeugen.py";
+        const auto lauf = test::Ausführen("python3 " + test::Wort(erzeuger) + " --bodenschaetzung --gid " + gid +
+                                          " --out " + test::Wort(datei) + " 2>&1");
+        ASSERT_EQ(lauf.status, 0) << lauf.ausgabe;
+        SkriptOberfläche ui;
+        NasArbeitsbereich bereich(a.zustand, ui);
+        bereich.optionen.mitNaBerechnung = true;
+        ASSERT_TRUE(a.DirektLaufen(bereich, datei, tabellen.emplace_back()));
+        auto& protokoll = protokolle.emplace_back();
+        for (const Ereignis& e : ui.Ereignisse())
+            if (e.art == Ereignis::Art::Protokoll)
+                protokoll.push_back(e.text);
+    }
+    const auto erkannt = [](const std::vector<std::string>& zeilen) {
+        return std::any_of(zeilen.begin(), zeilen.end(), [](const std::string& z) {
+            return z.find("NAS-Bestandsdatenauszug (GID 7.1) erkannt") != std::string::npos;
+        });
+    };
+    EXPECT_FALSE(erkannt(protokolle[0]));
+    EXPECT_TRUE(erkannt(protokolle[1]));
+    const Kataster &alt = tabellen[0], &neu = tabellen[1];
+    ASSERT_EQ(alt.Spaltenzahl(), neu.Spaltenzahl());
+    ASSERT_EQ(alt.Zeilenzahl(), neu.Zeilenzahl());
+    ASSERT_GT(alt.Zeilenzahl(), 24U);
+    for (std::size_t s = 0; s < alt.Spaltenzahl(); ++s) {
+        ASSERT_EQ(alt.Spalte(s).schlüssel, neu.Spalte(s).schlüssel);
+        for (std::size_t z = 0; z < alt.Zeilenzahl(); ++z)
+            EXPECT_EQ(alt.Zelle(z, s), neu.Zelle(z, s)) << alt.Spalte(s).schlüssel << ", Zeile " << z;
+    }
+    const auto klassifizierung = alt.SpaltenIndex("Klassifizierung");
+    ASSERT_TRUE(klassifizierung);
+    std::size_t bewertet = 0;
+    for (std::size_t z = 0; z < alt.Zeilenzahl(); ++z)
+        bewertet += !alt.Zelle(z, *klassifizierung).empty();
+    EXPECT_GT(bewertet, 0U) << "the soil assessment reaches the table";
+}
+
 // A collection of buildings only, one of them without gml:id: both are read, the protocol counts
 // the one no reference can reach, and the compilation says there are no parcels.
 TEST(NasLauf, WfsSammlungNurGebäude) {

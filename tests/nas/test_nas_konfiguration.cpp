@@ -147,7 +147,9 @@ Knoten KnotenLesen() {
             k.mitKennung.insert(klasse);
         } else {
             const auto teile = Teilen(zeile, "=");
-            const bool gut = teile.size() == 2 && !teile[0].empty() && (teile[1] == "10" || teile[1] == "12");
+            // A third part names further element paths of the same column (no relation, no geometry).
+            const bool weitere = teile.size() == 3 && !teile[2].empty() && teile[0].find('@') == std::string::npos;
+            const bool gut = (teile.size() == 2 || weitere) && !teile[0].empty() && (teile[1] == "10" || teile[1] == "12");
             if (!gut)
                 k.fehler.push_back(klasse + ": " + zeile);
             k.klassen[klasse].push_back({teile[0], gut ? std::stoi(teile[1]) : 0});
