@@ -1,5 +1,6 @@
-// The operations of an update delivery: GDAL's three samples as GDAL's NAS driver reads them, a generated delivery of many megabytes (operations across the read blocks), and a file cut
-// inside an operation.
+// The operations of an update delivery: GDAL's three samples as GDAL's NAS driver reads them, a
+// generated delivery of many megabytes (operations across the read blocks), and a file cut inside
+// an operation.
 
 #include "nas/nba_leser.hpp"
 
