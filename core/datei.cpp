@@ -1,6 +1,7 @@
 #include "core/datei.hpp"
 
 #include "core/fehler.hpp"
+#include "core/zieldatei.hpp"
 
 #include <fstream>
 #include <sstream>
@@ -23,11 +24,9 @@ std::string DateiKomplettLesen(const std::filesystem::path& pfad) {
 }
 
 void DateiSchreiben(const std::filesystem::path& pfad, std::string_view inhalt) {
-    std::ofstream aus(pfad, std::ios::binary | std::ios::trunc);
-    aus.write(inhalt.data(), static_cast<std::streamsize>(inhalt.size()));
-    aus.close();
-    if (!aus)
-        throw Fehler("Die Datei \"" + pfad.string() + "\" kann nicht geschrieben werden!");
+    Zieldatei datei(pfad);
+    datei.Schreiben(inhalt);
+    datei.Abschließen();
 }
 
 std::vector<std::string_view> TextZeilen(std::string_view text) {

@@ -14,7 +14,9 @@ bool DateiVorhanden(const std::filesystem::path& pfad);
 /// The whole content of a file as bytes; "" when it is missing or can't be read.
 std::string DateiKomplettLesen(const std::filesystem::path& pfad);
 
-/// Writes the bytes to the file, replacing it. Throws Fehler naming the file when that fails.
+/// Writes the bytes to the file, replacing it whole: under a temporary name beside it, renamed when
+/// complete, so that a failure leaves an older file as it was. Throws Fehler naming the file when
+/// that fails.
 void DateiSchreiben(const std::filesystem::path& pfad, std::string_view inhalt);
 
 /// The lines of a text, split at LF with a CR before it removed; a last empty piece after a final

@@ -41,13 +41,15 @@ void DateiFehler(const std::filesystem::path& pfad, std::string_view was, int fe
                  " werden (" + Grund(fehler) + ")!");
 }
 
-Dateikanal::Dateikanal(const std::filesystem::path& pfad, Zweck zweck) : m_pfad(pfad) {
+Dateikanal::Dateikanal(const std::filesystem::path& pfad, Zweck zweck,
+                       const std::filesystem::path& name)
+    : m_pfad(name.empty() ? pfad : name) {
     const int art = zweck == Zweck::Lesen ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
     do {
         m_fd = ::open(pfad.c_str(), art | O_CLOEXEC, 0666);
     } while (m_fd < 0 && errno == EINTR);
     if (m_fd < 0)
-        DateiFehler(pfad, zweck == Zweck::Lesen ? "geöffnet" : "angelegt", errno);
+        DateiFehler(m_pfad, zweck == Zweck::Lesen ? "geöffnet" : "angelegt", errno);
     if (zweck == Zweck::Lesen)
         ::posix_fadvise(m_fd, 0, 0, POSIX_FADV_SEQUENTIAL);
 }

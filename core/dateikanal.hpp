@@ -18,8 +18,10 @@ public:
     enum class Zweck { Lesen, Schreiben };
 
     /// Opens for reading, or creates/truncates for writing. Throws Fehler naming the file when
-    /// that fails ("geöffnet" / "angelegt").
-    Dateikanal(const std::filesystem::path& pfad, Zweck zweck);
+    /// that fails ("geöffnet" / "angelegt"); `name` is the file the messages name, when it is not
+    /// `pfad` (the target of a file written under a temporary name).
+    Dateikanal(const std::filesystem::path& pfad, Zweck zweck,
+               const std::filesystem::path& name = {});
     Dateikanal(const Dateikanal&) = delete;
     Dateikanal& operator=(const Dateikanal&) = delete;
     Dateikanal(Dateikanal&&) = delete;

@@ -14,9 +14,8 @@ std::filesystem::path Zieldatei::Zwischenname(const std::filesystem::path& ziel)
 
 Zieldatei::Zieldatei(std::filesystem::path ziel)
     : m_ziel(std::move(ziel)), m_temporär(Zwischenname(m_ziel)) {
-    m_kanal.emplace(m_temporär, Dateikanal::Zweck::Schreiben);
-    m_puffer.reserve(Blockgröße + (1u << 16));
-    m_unterwegs.reserve(Blockgröße + (1u << 16));
+    // The buffers grow with the text: a small file (a setting) costs no block of memory.
+    m_kanal.emplace(m_temporär, Dateikanal::Zweck::Schreiben, m_ziel);
 }
 
 Zieldatei::~Zieldatei() {
@@ -56,8 +55,7 @@ void Zieldatei::Abschließen() {
     std::error_code fehler;
     std::filesystem::rename(m_temporär, m_ziel, fehler);
     if (fehler)
-        throw Fehler("Die Datei \"" + m_ziel.string() + "\" kann nicht geschrieben werden (" +
-                     fehler.message() + ")!   ");
+        DateiFehler(m_ziel, "geschrieben", fehler.value());
     m_fertig = true;
 }
 

@@ -113,7 +113,7 @@ struct OffeneFläche {
 class Tabellenleser {
 public:
     Tabellenleser(Datenbank& db, const std::function<void(std::string_view)>& protokoll)
-        : m_db(db), m_protokoll(protokoll),
+        : m_protokoll(protokoll),
           m_daten(db.VorbereitenNativ("INSERT INTO Daten VALUES(?)")),
           m_pk(db.VorbereitenNativ("INSERT INTO GGPK VALUES(?,?,?,?,?,?,?,?,?,?,?)")),
           m_li(db.VorbereitenNativ("INSERT INTO GGLI VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)")),
@@ -160,7 +160,6 @@ private:
         a.Zurücksetzen();
     }
 
-    Datenbank& m_db;
     const std::function<void(std::string_view)>& m_protokoll;
     Anweisung m_daten, m_pk, m_li, m_te, m_sch;
     std::set<std::string, std::less<>> m_layer;

@@ -54,6 +54,14 @@ bool OrdnerBeschreibbar(const std::filesystem::path& datei) {
     return std::filesystem::is_directory(ordner, ec) && ::access(ordner.c_str(), W_OK) == 0;
 }
 
+// Whether an existing file can be replaced: it is no folder, and its folder takes a new entry. The
+// file itself stays until its successor is complete and renamed over it, so that a failed export
+// never costs the user the older file.
+bool Ersetzbar(const std::filesystem::path& datei) {
+    std::error_code ec;
+    return !std::filesystem::is_directory(datei, ec) && OrdnerBeschreibbar(datei);
+}
+
 // Writes one format; throws Fehler.
 void Schreiben(const Kataster& kataster, Speicherformat format, const std::filesystem::path& ziel,
                const Speicherumgebung& umgebung, Oberfläche& ui) {
@@ -134,8 +142,7 @@ Ergebnis ALBDatenSpeichernUnter(const Kataster& kataster, Speicherformat format,
         if (std::filesystem::exists(gewählt, ec)) {
             if (!Gefragt(ui, "Datei " + pfad + " ersetzen?   ", "Datei schon vorhanden!"))
                 return Ergebnis::Abbruch();
-            // remove() refuses a folder that is not empty; a file is gone only when it says so.
-            if (!std::filesystem::remove(gewählt, ec) || ec)
+            if (!Ersetzbar(gewählt))
                 return fehlschlag("Eingabedatei " + pfad +
                                       " hat den Zugriff verweigert oder ist in Bearbeitung!?   ",
                                   "Datei in Bearbeitung!?", Stil::Warnung);
@@ -204,9 +211,13 @@ void ExportGridToAccess(const Kataster& kataster, const std::filesystem::path& z
         AccessSchreiber schreiber(temp, Ausgabespalten(kataster, auswahl));
         TabelleSchreiben(kataster, auswahl, schreiber, &ui);
     }
-    if (!std::filesystem::copy_file(temp, ziel, std::filesystem::copy_options::overwrite_existing,
-                                    ec) ||
-        ec)
+    // Copied beside the target and renamed: the scratch database may lie on another file system.
+    const std::filesystem::path zwischen = Zieldatei::Zwischenname(ziel);
+    const Aufräumen zwischenWeg{zwischen};
+    std::filesystem::copy_file(temp, zwischen, std::filesystem::copy_options::overwrite_existing, ec);
+    if (!ec)
+        std::filesystem::rename(zwischen, ziel, ec);
+    if (ec)
         throw Fehler("Die Access-Datei " + ziel.string() + " kann nicht geschrieben werden (" +
                      ec.message() + ")!");
 }

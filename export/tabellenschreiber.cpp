@@ -5,26 +5,12 @@
 #include "core/kataster.hpp"
 #include "core/suche.hpp"
 
-#include <cerrno>
 #include <cstdint>
 #include <numeric>
 #include <optional>
 
 namespace flurix::ausgabe {
 namespace {
-
-// The reason of a failed file operation in the words the messages use.
-std::string Grund(int fehlernummer) {
-    switch (fehlernummer) {
-    case EACCES:
-    case EPERM: return "keine Schreibberechtigung";
-    case ENOENT: return "Ordner nicht vorhanden";
-    case ENOSPC: return "Datenträger voll";
-    case EROFS: return "Datenträger schreibgeschützt";
-    case EISDIR: return "ein Ordner dieses Namens ist vorhanden";
-    default: return "Systemfehler " + std::to_string(fehlernummer);
-    }
-}
 
 bool IstAscii(std::string_view text) {
     for (const char c : text)
@@ -134,45 +120,6 @@ long NächstesZeichen(std::string_view text, std::size_t& pos) {
     return c;
 }
 
-Ausgabedatei::Ausgabedatei(std::filesystem::path pfad) : m_pfad(std::move(pfad)) {
-    m_datei = std::fopen(m_pfad.c_str(), "wb");
-    if (m_datei == nullptr)
-        throw Fehler("Die Datei " + m_pfad.string() + " kann nicht angelegt werden (" +
-                     Grund(errno) + ")!");
-    m_puffer.reserve((1 << 20) + (1 << 16));
-}
-
-Ausgabedatei::~Ausgabedatei() {
-    if (m_datei == nullptr)
-        return;
-    std::fclose(m_datei);
-    std::error_code ec;
-    std::filesystem::remove(m_pfad, ec);
-}
-
-void Ausgabedatei::Leeren() {
-    if (!m_puffer.empty() && std::fwrite(m_puffer.data(), 1, m_puffer.size(), m_datei) != m_puffer.size())
-        Fehlschlag();
-    m_puffer.clear();
-}
-
-void Ausgabedatei::Abschließen() {
-    Leeren();
-    std::FILE* datei = m_datei;
-    m_datei = nullptr;
-    if (std::fclose(datei) != 0) {
-        const int nummer = errno;
-        std::error_code ec;
-        std::filesystem::remove(m_pfad, ec);
-        throw Fehler("Die Datei " + m_pfad.string() + " kann nicht geschrieben werden (" +
-                     Grund(nummer) + ")!");
-    }
-}
-
-void Ausgabedatei::Fehlschlag() const {
-    throw Fehler("Die Datei " + m_pfad.string() + " kann nicht geschrieben werden (" +
-                 Grund(errno) + ")!");
-}
 
 } // namespace detail
 

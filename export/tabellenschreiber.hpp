@@ -5,8 +5,9 @@
 // row, never the table. Which rows and columns leave the table is decided by the caller
 // (Ausgabeauswahl), not by a writer.
 
+#include "core/zieldatei.hpp"
+
 #include <cstddef>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -49,35 +50,6 @@ public:
 
 namespace detail {
 
-/// A file written through a large buffer. Throws Fehler naming the file when it can't be created or
-/// written. Without Abschließen() the destructor deletes the file.
-class Ausgabedatei {
-public:
-    explicit Ausgabedatei(std::filesystem::path pfad);
-    Ausgabedatei(const Ausgabedatei&) = delete;
-    Ausgabedatei& operator=(const Ausgabedatei&) = delete;
-    Ausgabedatei(Ausgabedatei&&) = delete;
-    Ausgabedatei& operator=(Ausgabedatei&&) = delete;
-    ~Ausgabedatei();
-
-    std::string& Puffer() { return m_puffer; }
-    /// Hands the buffer to the file when it has grown large.
-    void Weiter() {
-        if (m_puffer.size() >= 1 << 20)
-            Leeren();
-    }
-    void Abschließen();
-    const std::filesystem::path& Pfad() const { return m_pfad; }
-
-private:
-    void Leeren();
-    [[noreturn]] void Fehlschlag() const;
-
-    std::filesystem::path m_pfad;
-    std::FILE* m_datei = nullptr;
-    std::string m_puffer;
-};
-
 /// The code point of the UTF-8 character at `pos`, which moves behind it; -1 for a byte that
 /// starts no valid sequence (overlong forms and surrogates included), and `pos` moves one byte on.
 long NächstesZeichen(std::string_view text, std::size_t& pos);
@@ -99,7 +71,7 @@ public:
 private:
     void Feld(std::string_view text);
 
-    detail::Ausgabedatei m_datei;
+    Zieldatei m_datei;
     char m_trenner;
 };
 
@@ -113,7 +85,7 @@ public:
     void Abschließen() override;
 
 private:
-    detail::Ausgabedatei m_datei;
+    Zieldatei m_datei;
     std::vector<std::string> m_namen; ///< element name per column
 };
 
@@ -183,7 +155,7 @@ public:
     void Abschließen() override;
 
 private:
-    detail::Ausgabedatei m_datei;
+    Zieldatei m_datei;
     std::size_t m_zeilen = 0;
 };
 

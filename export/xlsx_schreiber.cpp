@@ -1,6 +1,8 @@
 #include "export/tabellenschreiber.hpp"
 
+#include "core/dateikanal.hpp"
 #include "core/fehler.hpp"
+#include "core/zieldatei.hpp"
 
 #include <xlsxwriter.h>
 
@@ -57,6 +59,7 @@ std::string Grund(lxw_error fehler) {
 
 struct XlsxSchreiber::Zustand {
     std::filesystem::path datei;
+    std::filesystem::path temporär; // the workbook is written here and renamed when complete
     std::string arbeitsordner; // libxlsxwriter keeps the pointer until the workbook is closed
     lxw_workbook* buch = nullptr;
     lxw_worksheet* blatt = nullptr;
@@ -97,7 +100,8 @@ XlsxSchreiber::XlsxSchreiber(const std::filesystem::path& datei,
     optionen.tmpdir = z.arbeitsordner.empty() ? nullptr : z.arbeitsordner.data();
     // Half a million rows of seventy columns make a sheet of more than 4 GB before packing.
     optionen.use_zip64 = LXW_TRUE;
-    z.buch = workbook_new_opt(datei.c_str(), &optionen);
+    z.temporär = Zieldatei::Zwischenname(datei);
+    z.buch = workbook_new_opt(z.temporär.c_str(), &optionen);
     if (z.buch == nullptr)
         z.Fehlschlag(LXW_ERROR_MEMORY_MALLOC_FAILED);
     z.blatt = workbook_add_worksheet(z.buch, blattname.c_str());
@@ -124,7 +128,7 @@ XlsxSchreiber::~XlsxSchreiber() {
     if (m_zustand->buch != nullptr) {
         lxw_workbook_free(m_zustand->buch);
         std::error_code ec;
-        std::filesystem::remove(m_zustand->datei, ec);
+        std::filesystem::remove(m_zustand->temporär, ec);
     }
 }
 
@@ -144,10 +148,16 @@ void XlsxSchreiber::Abschließen() {
     lxw_workbook* buch = z.buch;
     z.buch = nullptr; // workbook_close frees it, whatever it returns
     const lxw_error fehler = workbook_close(buch);
+    std::error_code ec;
     if (fehler != LXW_NO_ERROR) {
-        std::error_code ec;
-        std::filesystem::remove(z.datei, ec);
+        std::filesystem::remove(z.temporär, ec);
         z.Fehlschlag(fehler);
+    }
+    std::filesystem::rename(z.temporär, z.datei, ec);
+    if (ec) {
+        const int grund = ec.value();
+        std::filesystem::remove(z.temporär, ec);
+        DateiFehler(z.datei, "geschrieben", grund);
     }
 }
 

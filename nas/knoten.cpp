@@ -49,7 +49,9 @@ KnotenFeld FeldLesen(std::string_view klasse, std::string_view zeile) {
     } else if (IstGeometrie(feld.text)) {
         feld.art = Feldart::Geometrie;
     } else {
-        for (auto pfad : Teilen(TokenNr(zeile, 3, "="), ';'))
+        // Teilen gives views into its text: the text must outlive the loop.
+        const std::string weitere = TokenNr(zeile, 3, "=");
+        for (auto pfad : Teilen(weitere, ';'))
             if (const auto p = TrimmeLeerzeichen(pfad); !p.empty())
                 feld.auch.emplace_back(p);
     }

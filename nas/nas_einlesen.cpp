@@ -335,7 +335,10 @@ private:
         m_werte = Werttabellen{KonfigText(m_auftrag.konfigOrdner / "ALKIS_Werteart.dat"),
                                KonfigText(m_auftrag.konfigOrdner / "ALKIS_EPSG.dat")};
         // The head's system decides the srsName columns of every feature.
-        for (auto zeile : Teilen(m_kopf.substr(0, m_kopf.find("<" + m_stand.mitgliedTag + ">")), '\n'))
+        // Teilen gives views into its text: the head before the first member stays a view of m_kopf.
+        const std::string_view vorMitglied =
+            std::string_view(m_kopf).substr(0, m_kopf.find("<" + m_stand.mitgliedTag + ">"));
+        for (auto zeile : Teilen(vorMitglied, '\n'))
             m_notizen.Zeile(zeile);
         m_einbyte = IstEinbytekodiert(m_kopf);
         m_kopf.clear();

@@ -1,6 +1,8 @@
 #include "report/cls_pdf.hpp"
 
 #include "core/cp1252.hpp"
+#include "core/datei.hpp"
+#include "core/fehler.hpp"
 #include "core/programm.hpp"
 #include "report/pdf_format.hpp"
 
@@ -393,11 +395,12 @@ std::string clsPDF::value() {
 }
 
 bool clsPDF::SavePDF(const std::filesystem::path& datei) {
-    const std::string inhalt = value();
-    std::ofstream aus(datei, std::ios::binary | std::ios::trunc);
-    aus.write(inhalt.data(), static_cast<std::streamsize>(inhalt.size()));
-    aus.close();
-    return static_cast<bool>(aus);
+    try {
+        DateiSchreiben(datei, value());
+        return true;
+    } catch (const Fehler&) {
+        return false;
+    }
 }
 
 // ---- line printer -------------------------------------------------------------------------------

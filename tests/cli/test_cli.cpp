@@ -329,19 +329,5 @@ TEST_F(CliGolden, KonfigSichernUndEinlesen) {
     EXPECT_EQ(DateiLesen(konfig / "ALB_DatenbankSpalten.dat"), "Kataster ALKIS=Flur\r\n");
 }
 
-// The program itself, under a comma-decimal locale: the same bytes as under the C locale.
-TEST(CliProgramm, GleicheAusgabeUnterDeutscherLocale) {
-    const std::string programm = std::string(FLURIX_BINAER) + "/flurix";
-    if (!fs::exists(programm))
-        GTEST_SKIP() << "flurix nicht gebaut";
-    const auto lauf = [&](const std::string& locale) {
-        return test::Ausführen("LC_ALL=" + locale + " " + programm + " erkennen " +
-                               test::Wort(Quellen / "samples" / "musterkreis_format32.wldge") + " 2>&1").ausgabe;
-    };
-    const std::string c = lauf("C");
-    EXPECT_NE(c.find("Abgabeformat"), std::string::npos);
-    EXPECT_EQ(lauf("de_DE.UTF-8"), c);
-}
-
 } // namespace
 } // namespace flurix::cli
