@@ -10,6 +10,7 @@
 #include "bench/nas_erzeugen.hpp"
 #include "core/datenbank.hpp"
 #include "core/oberflaeche_batch.hpp"
+#include "core/text.hpp"
 #include "nas/nas_einlesen.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -128,7 +129,7 @@ struct Importmessung {
     std::string erstesBeispiel;
 };
 
-void ImportImKind(const fs::path& xml, const fs::path& db, const fs::path& konfig,
+void ImportImKind(const fs::path& xml, const fs::path& db, const fs::path& konfig, int cacheMiB,
                   const NasErzeugt& erzeugt, int rohr) {
     std::ostringstream bericht;
     try {
@@ -139,7 +140,7 @@ void ImportImKind(const fs::path& xml, const fs::path& db, const fs::path& konfi
         const long long anfang = StatusKb("VmRSS");
         const auto start = std::chrono::steady_clock::now();
         const auto ergebnis =
-            flurix::nas::DAO_ALKISEinlesen({xml, db, konfig}, stand, ui, protokoll);
+            flurix::nas::DAO_ALKISEinlesen({xml, db, konfig, cacheMiB}, stand, ui, protokoll);
         const double s = Sekunden(start);
         const long long spitze = StatusKb("VmHWM");
         sqlite3_int64 sqliteJetzt = 0, sqliteSpitze = 0;
@@ -176,7 +177,7 @@ void ImportImKind(const fs::path& xml, const fs::path& db, const fs::path& konfi
 // One import, run in a child process of its own so that its peak resident set is its own: the
 // child reads its VmHWM when the import is done and reports through a pipe.
 Importmessung ImportMessen(const fs::path& xml, const fs::path& db, const fs::path& konfig,
-                           const NasErzeugt& erzeugt) {
+                           int cacheMiB, const NasErzeugt& erzeugt) {
     Importmessung messung;
     int rohr[2];
     if (::pipe(rohr) != 0) {
@@ -189,7 +190,7 @@ Importmessung ImportMessen(const fs::path& xml, const fs::path& db, const fs::pa
     const pid_t kind = ::fork();
     if (kind == 0) {
         ::close(rohr[0]);
-        ImportImKind(xml, db, konfig, erzeugt, rohr[1]);
+        ImportImKind(xml, db, konfig, cacheMiB, erzeugt, rohr[1]);
         ::close(rohr[1]);
         ::_exit(0);
     }
@@ -226,6 +227,9 @@ struct Optionen {
     long long gdalBis = -1; // -1: every size
     fs::path muster;
     fs::path konfig = Quellordner / "config";
+    /// SQLite page cache sizes of the import; the first for both sizes, the others once more at
+    /// the large size (speed and memory against the cache).
+    std::vector<int> cachesMiB = {flurix::nas::NasSeitencacheMiB};
 };
 
 std::optional<Optionen> OptionenLesen(int argc, char** argv) {
@@ -244,6 +248,12 @@ std::optional<Optionen> OptionenLesen(int argc, char** argv) {
             o.muster = argv[++i];
         } else if (a == "--konfig" && wert) {
             o.konfig = argv[++i];
+        } else if (a == "--cache" && wert) {
+            o.cachesMiB.clear();
+            for (std::string_view teil : flurix::Teilen(argv[++i], ','))
+                o.cachesMiB.push_back(std::atoi(std::string(teil).c_str()));
+            if (o.cachesMiB.empty() || o.cachesMiB.front() < 1)
+                return std::nullopt;
         } else if (!a.starts_with("--") && position == 0) {
             o.mb = std::atoll(a.c_str());
             ++position;
@@ -326,7 +336,7 @@ std::optional<Importmessung> GrößeMessen(const Optionen& o, const Muster& must
     // the database writes of the import (and of GDAL) measured next.
     ::sync();
     const auto db = arbeit / ("nas_" + std::to_string(mb) + "mb.sqlite");
-    const auto import = ImportMessen(xml, db, o.konfig, erzeugt);
+    const auto import = ImportMessen(xml, db, o.konfig, o.cachesMiB.front(), erzeugt);
     if (!import.ok) {
         std::printf("Eigener Import: FEHLER %s\n", import.meldung.c_str());
         fs::remove(xml);
@@ -345,6 +355,20 @@ std::optional<Importmessung> GrößeMessen(const Optionen& o, const Muster& must
         std::printf("Zeilen je Klasse = geschriebene Objekte: NEIN, %lld Klassen, z. B. %s\n",
                     import.abweichend, import.erstesBeispiel.c_str());
     fs::remove(db);
+    // The further cache sizes on the same file (at the large size only).
+    for (std::size_t c = 1; c < o.cachesMiB.size() && mb == o.mb; ++c) {
+        const auto weitere = ImportMessen(xml, db, o.konfig, o.cachesMiB[c], erzeugt);
+        if (weitere.ok)
+            std::printf("Seitencache %d MiB: %.2f s, %.1f MB/s, Spitzen-RSS %.1f MB (SQLite %.1f MB)\n",
+                        o.cachesMiB[c], weitere.sekunden, MB(erzeugt.bytes) / weitere.sekunden,
+                        static_cast<double>(weitere.spitzeKb) / 1024,
+                        static_cast<double>(weitere.sqliteKb) / 1024);
+        else
+            std::printf("Seitencache %d MiB: FEHLER %s\n", o.cachesMiB[c], weitere.meldung.c_str());
+        fs::remove(db);
+    }
+    if (o.cachesMiB.size() > 1 && mb == o.mb)
+        std::printf("(der erste Import oben: Seitencache %d MiB)\n", o.cachesMiB.front());
 
     if (!o.gdal) {
         std::printf("GDAL: ausgelassen (--ohne-gdal)\n");
@@ -387,7 +411,8 @@ int main(int argc, char** argv) {
     const auto optionen = OptionenLesen(argc, argv);
     if (!optionen) {
         std::fprintf(stderr, "Aufruf: bench_nas [MB] [ordner] [--ohne-gdal] [--gdal-bis <MB>] "
-                             "[--muster <datei.xml|datei.xml.xz>] [--konfig <ordner>]\n");
+                             "[--muster <datei.xml|datei.xml.xz>] [--konfig <ordner>] "
+                             "[--cache <MiB>[,<MiB>...]]\n");
         return 2;
     }
     const auto& o = *optionen;

@@ -5,6 +5,7 @@
 // time grows with the rows, not faster.
 //   bench_zusammenstellung [parcels] [folder]        (default 50000, the system's temp dir)
 // The files are made in a folder of their own under [folder] and deleted at the end.
+#include "bench/messen.hpp"
 #include "core/datenbank.hpp"
 #include "core/kataster.hpp"
 #include "core/oberflaeche_batch.hpp"
@@ -37,12 +38,6 @@ const fs::path Quellordner = fs::path(__FILE__).parent_path().parent_path();
 
 double Sekunden(std::chrono::steady_clock::time_point seit) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - seit).count();
-}
-
-long SpitzeMB() {
-    rusage nutzung{};
-    getrusage(RUSAGE_SELF, &nutzung);
-    return nutzung.ru_maxrss / 1024;
 }
 
 struct Zeiten {
@@ -110,7 +105,7 @@ void Zeigen(long flurstücke, const Zeiten& z) {
                 flurstücke, static_cast<long long>(z.zeilen), z.einlesen, z.reorganisation,
                 z.zuordnung, z.ordnen, z.Zusammenstellung(),
                 1e6 * z.Zusammenstellung() / static_cast<double>(std::max<std::int64_t>(1, z.zeilen)),
-                z.übernahme, SpitzeMB());
+                z.übernahme, bench::SpitzeMB());
     std::fflush(stdout);
 }
 
@@ -123,8 +118,13 @@ int main(int argc, char** argv) {
     fs::create_directories(ordner);
     int code = 0;
     try {
+        // Each size in a process of its own, so that the second peak is not the first's.
         for (const long n : {flurstücke / 5, flurstücke})
-            Zeigen(n, Lauf(n, ordner));
+            if (bench::SpitzeImKindMB([&] {
+                    Zeigen(n, Lauf(n, ordner));
+                    return true;
+                }) < 0)
+                throw std::runtime_error("Lauf mit " + std::to_string(n) + " Flurstücken fehlgeschlagen");
     } catch (const std::exception& e) {
         std::cerr << e.what() << '\n';
         code = 1;

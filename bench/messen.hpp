@@ -3,11 +3,14 @@
 // memory of the process.
 
 #include <chrono>
+#include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace flurix::bench {
@@ -20,6 +23,32 @@ inline double Sekunden(std::chrono::steady_clock::time_point seit) {
 inline long SpitzeMB() {
     rusage nutzung{};
     getrusage(RUSAGE_SELF, &nutzung);
+    return nutzung.ru_maxrss / 1024;
+}
+
+/// Runs `arbeit` (returns true when it succeeded) in a child process and returns the child's peak
+/// resident size in MB, or -1 when it failed: the peak of that work alone, so that two sizes run
+/// one after the other show how memory grows with the input.
+template <class Arbeit>
+long SpitzeImKindMB(Arbeit&& arbeit) {
+    std::fflush(nullptr);
+    const pid_t kind = ::fork();
+    if (kind == 0) {
+        // Nothing may leave the child but its exit code: the parent's handlers are not its own.
+        int code = 1;
+        try {
+            code = arbeit() ? 0 : 1;
+        } catch (const std::exception& e) {
+            std::fprintf(stderr, "%s\n", e.what());
+        }
+        std::fflush(nullptr);
+        ::_exit(code);
+    }
+    int status = 0;
+    rusage nutzung{};
+    if (kind < 0 || ::wait4(kind, &status, 0, &nutzung) != kind || !WIFEXITED(status) ||
+        WEXITSTATUS(status) != 0)
+        return -1;
     return nutzung.ru_maxrss / 1024;
 }
 

@@ -3,8 +3,13 @@
 #include "core/fehler.hpp"
 #include "core/zieldatei.hpp"
 
+#include <cerrno>
+#include <charconv>
 #include <fstream>
 #include <sstream>
+
+#include <signal.h>
+#include <unistd.h>
 
 namespace flurix {
 
@@ -71,11 +76,26 @@ bool PasstZuMuster(std::string_view name, std::string_view muster) {
     return m == muster.size();
 }
 
+bool VonLaufendemProzess(std::string_view name) {
+    // "<stem>_<pid>.<ext>" or "<stem>_<pid>-<n>.<ext>": the digits after the last "_".
+    const auto strich = name.rfind('_');
+    if (strich == std::string_view::npos)
+        return false;
+    long pid = 0;
+    const char* anfang = name.data() + strich + 1;
+    const auto [ende, fehler] = std::from_chars(anfang, name.data() + name.size(), pid);
+    if (fehler != std::errc() || ende == anfang || (*ende != '.' && *ende != '-') || pid <= 0 ||
+        pid == ::getpid())
+        return false;
+    return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
+}
+
 void DateienLöschen(const std::filesystem::path& ordner, std::string_view muster) {
     std::error_code ec;
     for (const auto& eintrag : std::filesystem::directory_iterator(ordner, ec)) {
         std::error_code ec2;
-        if (eintrag.is_regular_file(ec2) && PasstZuMuster(eintrag.path().filename().string(), muster))
+        const std::string name = eintrag.path().filename().string();
+        if (eintrag.is_regular_file(ec2) && PasstZuMuster(name, muster) && !VonLaufendemProzess(name))
             std::filesystem::remove(eintrag.path(), ec2);
     }
 }

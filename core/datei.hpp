@@ -28,8 +28,14 @@ std::vector<std::string_view> TextZeilen(std::string_view text);
 /// and shares are mounted where the site wants them, so neither is done here.
 std::filesystem::path PfadNormalisieren(const std::filesystem::path& pfad);
 
+/// True for a work file another running process holds: its name ends in "_<process id>" (with
+/// "-<n>" behind it, before the extension) and that process is alive.
+bool VonLaufendemProzess(std::string_view name);
+
 /// Deletes the files of `ordner` whose names match `muster`, where "*" stands for any run of
-/// characters ("_tmpDAOdbFile*.*"). Files that can't be deleted are passed over.
+/// characters ("_tmpDAOdbFile*.*"). Files that can't be deleted are passed over, and so are
+/// those of another running process (VonLaufendemProzess): a second program's end must not pull
+/// the work database from under a run still going.
 void DateienLöschen(const std::filesystem::path& ordner, std::string_view muster);
 
 /// True when `name` matches a pattern with "*" wildcards (case-sensitive).

@@ -3,6 +3,7 @@
 #include "core/fehler.hpp"
 #include "core/kataster.hpp"
 #include "core/tabellendatei.hpp"
+#include "core/textkodierung.hpp"
 
 #include <algorithm>
 #include <numeric>
@@ -31,6 +32,8 @@ void KatasterLaden(Kataster& kataster, const std::filesystem::path& datei) {
     // Read into a table of its own and swap only when all of it came in: a cut or foreign file
     // must not cost the user the table that is open.
     Kataster neu;
+    if (IstUtf16Datei(datei))
+        throw Fehler(MeldungUtf16(datei));
     TabellendateiLeser leser(datei);
     const auto& spalten = leser.Spalten();
     for (const auto& s : spalten) {

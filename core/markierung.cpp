@@ -8,6 +8,7 @@
 #include "core/spaltenansicht.hpp"
 #include "core/suche.hpp"
 #include "core/text.hpp"
+#include "core/textkodierung.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -284,6 +285,8 @@ Listenergebnis DbMarkierungLaden(Kataster& kataster, const std::filesystem::path
     try {
         if (!DateiVorhanden(liste))
             throw Fehler("Die Flurstücksliste \"" + pfad + "\" kann nicht gelesen werden!   ");
+        if (IstUtf16Datei(liste))
+            throw Fehler(MeldungUtf16(liste));
         const std::string text = DateitextNachUtf8(DateiKomplettLesen(liste));
         const std::vector<std::string_view> zeilen = ListenZeilen(text);
         ergebnis.listenzeilen = zeilen.size();

@@ -3,6 +3,7 @@
 #include "core/cp1252.hpp"
 #include "core/fehler.hpp"
 #include "core/text.hpp"
+#include "core/textkodierung.hpp"
 
 #include <charconv>
 #include <cstring>
@@ -96,6 +97,8 @@ std::optional<GrafbatSatz> GrafbatZeileLesen(std::string_view zeile, std::size_t
 GrafbatLeser::GrafbatLeser(const std::filesystem::path& datei) : m_datei(datei, std::ios::binary) {
     if (!m_datei)
         throw Fehler("Die GEOgraf-Datei " + datei.string() + " kann nicht geöffnet werden!");
+    if (IstUtf16Datei(datei))
+        throw Fehler(MeldungUtf16(datei));
 }
 
 bool GrafbatLeser::ZeileHolen(std::string& zeile, bool& zuLang) {

@@ -1,10 +1,10 @@
 #include "import/datenladen.hpp"
 
-#include "nas/nas_form.hpp"
-
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
+#include "core/textkodierung.hpp"
 #include "import/textvorbereitung.hpp"
+#include "nas/nas_form.hpp"
 
 #include <fstream>
 
@@ -110,6 +110,13 @@ Ergebnis Verteilen(Ladeauftrag auftrag, Ladeumgebung& umgebung, Oberfläche& ui)
     if (auftrag.dateien.size() > 1 && auftrag.art == Eingabeart::Xml)
         auftrag.art = Eingabeart::WebXml;
     const auto& datei = auftrag.dateien.front();
+    // Before anything looks at the file's lines (or changes its line ends).
+    for (const auto& d : auftrag.dateien)
+        if (auftrag.art != Eingabeart::NasDatenbank && IstUtf16Datei(d)) {
+            std::string text = MeldungUtf16(d);
+            ui.Meldung(text, ProduktTitel, Stil::Fehler);
+            return Ergebnis::Fehlschlag(std::move(text));
+        }
 
     if (auftrag.vonKommandozeile) {
         const std::string text =
@@ -210,6 +217,11 @@ Erkennung DateiErkennen(const std::filesystem::path& datei) {
     if (!std::filesystem::is_regular_file(datei))
         throw Fehler("Die Datei \"" + datei.string() + "\" wurde nicht gefunden!");
     Anfang(datei, 1); // throws when it can't be read
+    if (IstUtf16Datei(datei)) {
+        e.beschreibung = "Textdatei in UTF-16";
+        e.leser = "keiner: in Windows-1252 oder UTF-8 speichern";
+        return e;
+    }
     if (!EingabeartAusEndung(datei, e.art)) {
         e.beschreibung = "Unbekannter Dateityp \"" + datei.extension().string() + "\"";
         e.leser = "keiner";

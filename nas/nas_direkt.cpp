@@ -1,5 +1,6 @@
 #include "nas/nas_direkt.hpp"
 
+#include "core/datei.hpp"
 #include "core/datenbank.hpp"
 #include "core/einstellungen.hpp"
 #include "core/oberflaeche.hpp"
@@ -10,10 +11,19 @@
 #include "nas/nas_protokoll.hpp"
 #include "nas/objektdatenbank.hpp"
 
+#include <unistd.h>
+
 namespace flurix::nas {
 
 std::filesystem::path NasArbeitsdatenbank(const std::filesystem::path& arbeitsverzeichnis) {
-    return arbeitsverzeichnis / ("_tmpDAOdbFile" + Ersetzen(ZeitStempelText(), " ", "") + ".sqlite");
+    // Two runs started in the same second (a script's batch jobs) must not share a database: the
+    // process id makes the name theirs, a number one made twice in a second.
+    const std::string stamm = "_tmpDAOdbFile" + Ersetzen(ZeitStempelText(), " ", "") + "_" +
+                              std::to_string(::getpid());
+    std::filesystem::path pfad = arbeitsverzeichnis / (stamm + ".sqlite");
+    for (int n = 2; DateiVorhanden(pfad); ++n)
+        pfad = arbeitsverzeichnis / (stamm + "-" + std::to_string(n) + ".sqlite");
+    return pfad;
 }
 
 bool IstNasDatenbankDatei(const std::filesystem::path& datei) {

@@ -42,8 +42,9 @@ struct NasDirektBericht {
     NachFlurixBericht übernahme;
 };
 
-/// A new work database in `arbeitsverzeichnis`: "_tmpDAOdbFile<date and time digits>.sqlite",
-/// a name the end of the program clears away.
+/// A new work database in `arbeitsverzeichnis`: "_tmpDAOdbFile<date and time digits>_<process
+/// id>.sqlite" ("-2" ... behind it for a second one of the same second), a name the end of the
+/// program clears away.
 std::filesystem::path NasArbeitsdatenbank(const std::filesystem::path& arbeitsverzeichnis);
 
 /// True for the extensions of a saved NAS database (.mdb, .sqlite, .db).

@@ -7,9 +7,10 @@
 #include "core/einstellungen.hpp"
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
+#include "core/textkodierung.hpp"
 #include "nas/knoten.hpp"
-#include "nas/nas_form.hpp"
 #include "nas/konfig_suche.hpp"
+#include "nas/nas_form.hpp"
 #include "nas/nas_protokoll.hpp"
 #include "nas/objekt_schneider.hpp"
 #include "nas/objektdatenbank.hpp"
@@ -268,6 +269,10 @@ private:
             return Ergebnis::Fehlschlag("Die Datei enthält eine DOCTYPE- oder ENTITY-Deklaration und "
                                         "wird aus Sicherheitsgründen nicht eingelesen!   ");
         }
+        if (IstUtf16(m_kopf)) {
+            m_protokoll.Eintrag(", Import abgebrochen...");
+            return Ergebnis::Fehlschlag(MeldungUtf16(m_auftrag.xmlDatei));
+        }
         const NasFormbefund form = NasFormErkennen(m_kopf);
         m_präfix = form.präfix;
         // One node file reads every version alike; a mix is worth a line, not a refusal.
@@ -347,7 +352,7 @@ private:
 
     Ergebnis DatenbankAnlegen() {
         try {
-            m_db = DAO_DatenbankAnlegen(m_auftrag.datenbank);
+            m_db = DAO_DatenbankAnlegen(m_auftrag.datenbank, m_auftrag.seitencacheMiB);
             Transaktion transaktion(*m_db);
             DAO_DatenbankAnlegenAusKnoten(*m_db, m_knoten,
                                           [&](std::string_view text) { m_protokoll.Eintrag(text); });

@@ -7,6 +7,7 @@
 #include "core/fehler.hpp"
 #include "nas/anreicherung.hpp"
 #include "nas/element_leser.hpp"
+#include "nas/objektdatenbank.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -28,6 +29,7 @@ struct NasAuftrag {
     std::filesystem::path xmlDatei;
     std::filesystem::path datenbank;    ///< made anew
     std::filesystem::path konfigOrdner; ///< ALKIS_Knoten.dat, ALKIS_EPSG.dat, ALKIS_Werteart.dat
+    int seitencacheMiB = NasSeitencacheMiB; ///< SQLite's page cache while scanning
 };
 
 /// What an import leaves for the work window and the next import.

@@ -11,12 +11,12 @@ namespace flurix::nas {
 namespace {
 
 // Settings of a bulk load: the file is a work file that the next import rebuilds, so a journal
-// or a sync to the disk would only cost time; the page cache is large enough for the indexes of a
-// district.
-void Einstellen(Datenbank& db) {
+// or a sync to the disk would only cost time; the page cache has a fixed size, so that memory
+// follows the largest feature, not the file.
+void Einstellen(Datenbank& db, int seitencacheMiB = NasSeitencacheMiB) {
     db.AusführenNativ("PRAGMA journal_mode = OFF");
     db.AusführenNativ("PRAGMA synchronous = OFF");
-    db.AusführenNativ("PRAGMA cache_size = -262144");
+    db.AusführenNativ("PRAGMA cache_size = -" + std::to_string(seitencacheMiB * 1024));
     db.AusführenNativ("PRAGMA temp_store = MEMORY");
 }
 
@@ -51,14 +51,14 @@ std::string SpaltenDeklaration(int typ) {
     }
 }
 
-std::unique_ptr<Datenbank> DAO_DatenbankAnlegen(const std::filesystem::path& pfad) {
+std::unique_ptr<Datenbank> DAO_DatenbankAnlegen(const std::filesystem::path& pfad, int seitencacheMiB) {
     std::error_code fehler;
     std::filesystem::remove(pfad, fehler);
     std::filesystem::remove(pfad.string() + "-journal", fehler);
     if (std::filesystem::exists(pfad))
         throw Fehler("Die Datenbank \"" + pfad.string() + "\" kann nicht ersetzt werden.");
     auto db = std::make_unique<Datenbank>(pfad);
-    Einstellen(*db);
+    Einstellen(*db, seitencacheMiB);
     return db;
 }
 

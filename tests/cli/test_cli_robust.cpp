@@ -8,9 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <regex>
 #include <string>
 #include <vector>
+
+#include <sys/wait.h>
 
 namespace flurix::cli {
 namespace {
@@ -19,6 +22,13 @@ namespace fs = std::filesystem;
 
 const fs::path Quellen = FLURIX_QUELLEN;
 const std::string Programm = std::string(FLURIX_BINAER) + "/flurix";
+
+std::string ersetzt(std::string text, const std::string& was, const std::string& wodurch) {
+    for (auto stelle = text.find(was); stelle != std::string::npos;
+         stelle = text.find(was, stelle + wodurch.size()))
+        text.replace(stelle, was.size(), wodurch);
+    return text;
+}
 
 // A folder with the samples and the NAS sample's table, made once without any limit.
 struct Werkbank {
@@ -75,6 +85,193 @@ TEST(CliSchreiben, EinAbbruchMittenImSchreibenLässtDieAlteDatei) {
                           // too
             for (const auto& eintrag : fs::directory_iterator(bank.ordner.pfad()))
                 EXPECT_FALSE(eintrag.path().extension() == ".tmp") << eintrag.path();
+        }
+    }
+}
+
+// Two NAS runs started in the same second (a script's jobs with "&") share the work folder: each
+// has a work database of its own, and neither's start or end clears away the other's.
+TEST(CliSchreiben, ZweiNasLäufeZugleich) {
+    if (!fs::exists(Programm))
+        GTEST_SKIP() << "flurix nicht gebaut";
+    const Werkbank bank;
+    ASSERT_EQ(bank.lauf.status, 0) << bank.lauf.ausgabe;
+    const std::string einer = Programm + " nas muster.xml --out ";
+    const auto lauf = test::Ausführen("cd " + test::Wort(bank.ordner.pfad()) + " && (" + einer +
+                                      "a.tsv > a.txt 2>&1 & " + einer + "b.tsv > b.txt 2>&1 & " +
+                                      einer + "c.tsv > c.txt 2>&1 & wait)");
+    ASSERT_EQ(lauf.status, 0);
+    const std::string erwartet = test::DateiLesen(bank.ordner / "nas.tsv");
+    for (const char* name : {"a", "b", "c"}) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(fs::exists(bank.ordner / (std::string(name) + ".tsv")))
+            << test::DateiLesen(bank.ordner / (std::string(name) + ".txt"));
+        EXPECT_TRUE(test::DateiLesen(bank.ordner / (std::string(name) + ".tsv")) == erwartet);
+    }
+}
+
+// Texts that would end an SQL string, start a comment or a second statement reach the table as
+// they stand in the file: the hostile file gives the table of the plain one with those texts in
+// place of the plain ones, row for row, and a search finds them.
+TEST(CliEingaben, SqlZeichenInDenDatenKommenUnverändertInDieTabelle) {
+    if (!fs::exists(Programm))
+        GTEST_SKIP() << "flurix nicht gebaut";
+    const Werkbank bank;
+    struct Ersetzung {
+        std::string schlicht, feindlich, inDerDatei;
+    };
+    // The WLDGE sample is Windows-1252 and its location field 30 characters wide: ASCII, short.
+    const Ersetzung name{"Mustermann", "O'Brien'); DROP TABLE tblBestand; --", ""};
+    const Ersetzung straße{"Musterweg", "W\"; DROP TABLE t;/*", ""};
+    const Ersetzung nasName{"Hartmann", "X'); DROP TABLE AX_Flurstueck; --",
+                            "X&apos;); DROP TABLE AX_Flurstueck; --"};
+    const Ersetzung nasStraße{"Schulweg", "Schul\"weg'; DELETE FROM Alkis; /*",
+                              "Schul&quot;weg&apos;; DELETE FROM Alkis; /*"};
+    struct Fall {
+        std::string eingabe, befehl;
+        std::vector<Ersetzung> ersetzungen;
+        bool semikolonAlsKomma = false; ///< the quick reader's rule: ";" separates its owners
+    };
+    const Fall fälle[] = {
+        {"muster.wldge", "import <ein> --komplett --out <aus>", {name, straße}},
+        {"muster.wldge", "import <ein> --out <aus>", {name, straße}, true},
+        {"muster.xml", "nas <ein> --out <aus> --flaechen alle", {nasName, nasStraße}},
+    };
+    for (const Fall& fall : fälle) {
+        SCOPED_TRACE(fall.befehl + " " + fall.eingabe);
+        std::string feindlich = test::DateiLesen(bank.ordner / fall.eingabe);
+        for (const auto& e : fall.ersetzungen) {
+            ASSERT_NE(feindlich.find(e.schlicht), std::string::npos) << e.schlicht;
+            feindlich =
+                ersetzt(feindlich, e.schlicht, e.inDerDatei.empty() ? e.feindlich : e.inDerDatei);
+        }
+        const std::string endung = fs::path(fall.eingabe).extension().string();
+        test::DateiSchreiben(bank.ordner / ("feindlich" + endung), feindlich);
+        std::string tabellen[2];
+        for (int i = 0; i < 2; ++i) {
+            const std::string ein = i == 0 ? fall.eingabe : "feindlich" + endung;
+            const std::string aus = i == 0 ? "schlicht.tsv" : "feindlich.tsv";
+            const auto lauf =
+                bank.Flurix("", ersetzt(ersetzt(fall.befehl, "<ein>", ein), "<aus>", aus));
+            ASSERT_EQ(lauf.status, 0) << lauf.ausgabe;
+            tabellen[i] = test::DateiLesen(bank.ordner / aus);
+        }
+        std::string zurück = tabellen[1];
+        for (const auto& e : fall.ersetzungen) {
+            const std::string inDerTabelle =
+                fall.semikolonAlsKomma ? ersetzt(e.feindlich, ";", ",") : e.feindlich;
+            EXPECT_NE(zurück.find(inDerTabelle), std::string::npos) << inDerTabelle;
+            zurück = ersetzt(zurück, inDerTabelle, e.schlicht);
+        }
+        EXPECT_TRUE(zurück == tabellen[0])
+            << "die Tabelle der feindlichen Datei ist nicht die der schlichten";
+
+        // The search bar takes the hostile text as a term like any other (the start of the cell).
+        std::string begriff = fall.ersetzungen.front().feindlich;
+        if (fall.semikolonAlsKomma)
+            begriff = ersetzt(begriff, ";", ",");
+        const auto suche = bank.Flurix("", "suchen feindlich.tsv --spalte Name --begriff " +
+                                               test::Wort(begriff + "*") + " --out treffer.tsv");
+        ASSERT_EQ(suche.status, 0) << suche.ausgabe;
+        const std::string treffer = test::DateiLesen(bank.ordner / "treffer.tsv");
+        EXPECT_NE(treffer.find(begriff), std::string::npos) << treffer.substr(0, 300);
+    }
+}
+
+// Every text reader of the command line against the encodings and line forms users' files come
+// in: UTF-16 (with and without byte order mark) is refused with its message, the rest is read or
+// refused with a message, never a crash.
+TEST(CliEingaben, KodierungenUndZeilenformenJedesTextlesers) {
+    if (!fs::exists(Programm))
+        GTEST_SKIP() << "flurix nicht gebaut";
+    const Werkbank bank;
+    ASSERT_EQ(bank.lauf.status, 0) << bank.lauf.ausgabe;
+    fs::copy_file(Quellen / "samples" / "musterstadt_webxml_auszug.xml",
+                  bank.ordner / "webxml.xml");
+    fs::copy_file(test::Testdaten() / "markierung" / "vier_formen_ein_schluessel_fehlt.lst",
+                  bank.ordner / "liste.lst");
+    ASSERT_EQ(bank.Flurix("", "export nas.tsv --format fil --out nas.fil").status, 0);
+    struct Leser {
+        std::string quelle, endung, befehl; // "<ein>" is the variant's file
+    };
+    const Leser leser[] = {
+        {"muster.wldge", ".wldge", "import <ein> --komplett --out aus.tsv"},
+        {"muster.wldge", ".wldge", "import <ein> --out aus.tsv"},
+        {"webxml.xml", ".xml", "import <ein> --out aus.tsv"},
+        {"muster.xml", ".xml", "nas <ein> --out aus.tsv"},
+        {"nas.tsv", ".tsv", "export <ein> --format tsv --out aus.tsv"},
+        {"nas.fil", ".fil", "export <ein> --format tsv --out aus.tsv"},
+        {"liste.lst", ".lst", "markieren nas.tsv --liste <ein> --out aus.tsv"},
+    };
+    const auto utf16 = [](const std::string& text, bool bom) {
+        std::string aus = bom ? "\xFF\xFE" : "";
+        for (const char c : text)
+            aus.append({c, '\0'});
+        return aus;
+    };
+    const auto zeilenweise = [](const std::string& text, const auto& zeile) {
+        std::string aus;
+        std::size_t nummer = 0;
+        for (std::size_t anfang = 0; anfang < text.size(); ++nummer) {
+            std::size_t ende = text.find('\n', anfang);
+            ende = ende == std::string::npos ? text.size() : ende + 1;
+            aus += zeile(text.substr(anfang, ende - anfang), nummer);
+            anfang = ende;
+        }
+        return aus;
+    };
+    struct Form {
+        const char* name;
+        std::function<std::string(const std::string&)> machen;
+        bool utf16 = false;
+    };
+    const Form formen[] = {
+        {"UTF-16 mit BOM", [&](const std::string& t) { return utf16(t, true); }, true},
+        {"UTF-16 ohne BOM", [&](const std::string& t) { return utf16(t, false); }, true},
+        {"UTF-8 mit BOM", [](const std::string& t) { return "\xEF\xBB\xBF" + t; }},
+        {"gemischte Zeilenenden",
+         [&](const std::string& t) {
+             return zeilenweise(t, [](std::string z, std::size_t n) {
+                 if (z.ends_with("\r\n") && n % 3 == 1)
+                     z.erase(z.size() - 2, 1); // LF alone
+                 else if (z.ends_with("\n") && n % 3 == 2)
+                     z.back() = '\r'; // CR alone
+                 return z;
+             });
+         }},
+        {"NUL-Bytes",
+         [&](const std::string& t) {
+             return zeilenweise(t, [](std::string z, std::size_t n) {
+                 return n % 4 == 1 ? z.insert(z.size() / 2, 1, '\0') : z;
+             });
+         }},
+        {"Zeile von 10 MB",
+         [&](const std::string& t) {
+             return zeilenweise(t, [](std::string z, std::size_t n) {
+                 return n == 2 ? std::string(10'000'000, 'A') + "\r\n" + z : z;
+             });
+         }},
+    };
+    for (const Leser& l : leser) {
+        const std::string text = test::DateiLesen(bank.ordner / l.quelle);
+        for (const Form& form : formen) {
+            SCOPED_TRACE(l.befehl + ", " + l.quelle + ": " + form.name);
+            const std::string name = std::string("form") + l.endung;
+            test::DateiSchreiben(bank.ordner / name, form.machen(text));
+            const auto lauf = bank.Flurix("", ersetzt(l.befehl, "<ein>", name));
+            ASSERT_TRUE(WIFEXITED(lauf.status)) << "abgestürzt: " << lauf.ausgabe.substr(0, 500);
+            if (form.utf16) {
+                EXPECT_EQ(WEXITSTATUS(lauf.status), 1);
+                EXPECT_NE(lauf.ausgabe.find("ist in UTF-16 kodiert! Flurix liest Textdateien in "
+                                            "Windows-1252 oder UTF-8"),
+                          std::string::npos)
+                    << lauf.ausgabe.substr(0, 500);
+            } else {
+                EXPECT_LE(WEXITSTATUS(lauf.status), 1) << lauf.ausgabe.substr(0, 500);
+                if (WEXITSTATUS(lauf.status) == 1) {
+                    EXPECT_FALSE(lauf.ausgabe.empty()) << "Abbruch ohne Meldung";
+                }
+            }
         }
     }
 }
