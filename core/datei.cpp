@@ -77,10 +77,14 @@ bool PasstZuMuster(std::string_view name, std::string_view muster) {
 }
 
 bool VonLaufendemProzess(std::string_view name) {
-    // "<stem>_<pid>.<ext>" or "<stem>_<pid>-<n>.<ext>": the digits after the last "_".
+    // "<stem><time stamp>_<pid>.<ext>" or "..._<pid>-<n>.<ext>": the digits after the last "_",
+    // behind the time stamp's digits (a "_1" behind a word is a counter, not a process).
     const auto strich = name.rfind('_');
-    if (strich == std::string_view::npos)
+    if (strich == std::string_view::npos || strich < 8)
         return false;
+    for (std::size_t i = strich - 8; i < strich; ++i)
+        if (name[i] < '0' || name[i] > '9')
+            return false;
     long pid = 0;
     const char* anfang = name.data() + strich + 1;
     const auto [ende, fehler] = std::from_chars(anfang, name.data() + name.size(), pid);

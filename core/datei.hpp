@@ -28,8 +28,8 @@ std::vector<std::string_view> TextZeilen(std::string_view text);
 /// and shares are mounted where the site wants them, so neither is done here.
 std::filesystem::path PfadNormalisieren(const std::filesystem::path& pfad);
 
-/// True for a work file another running process holds: its name ends in "_<process id>" (with
-/// "-<n>" behind it, before the extension) and that process is alive.
+/// True for a work file another running process holds: its name ends in "<time stamp>_<process
+/// id>" (with "-<n>" behind it, before the extension) and that process is alive.
 bool VonLaufendemProzess(std::string_view name);
 
 /// Deletes the files of `ordner` whose names match `muster`, where "*" stands for any run of

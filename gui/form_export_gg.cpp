@@ -185,8 +185,10 @@ FormExportGG::FormExportGG(const ausgabe::GeografOptionen& optionen, QWidget* el
             Hinzufügen(QText(s));
     });
     connect(keine, &QPushButton::clicked, m_ausgabe, &QListWidget::clear);
-    for (const auto& [knopf, schritt] : {std::pair{auf, -1}, std::pair{ab, 1}})
-        connect(knopf, &QPushButton::clicked, this, [this, schritt] {
+    // The step is captured by value as a plain variable: clang 14 does not capture structured
+    // bindings.
+    for (const auto& [knopf, richtung] : {std::pair{auf, -1}, std::pair{ab, 1}})
+        connect(knopf, &QPushButton::clicked, this, [this, schritt = richtung] {
             const int zeile = m_ausgabe->currentRow();
             const int ziel = zeile + schritt;
             if (zeile < 0 || ziel < 0 || ziel >= m_ausgabe->count())

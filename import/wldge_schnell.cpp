@@ -216,8 +216,13 @@ public:
                 break; // block 2 stands before every other block that counts
             Fortschritt("85%/", i, m_zeilen.size());
             if (Ist(z, 1, '2') && Ist(z, 32, '.') && Ist(z, 35, '.') && Ist(z, 41, '.') && Ist(z, 48, '0')) {
+                const std::size_t gruppe = i;
                 if (!Eigentümergruppe(i))
                     return false;
+                // A line of the group's form that is neither an owner nor a remark line (columns
+                // 26-27 other than " 1" and " 2") holds no group: it is passed over.
+                if (i == gruppe)
+                    ++i;
                 continue;
             }
             if (Ist(z, 1, '2') && Ist(z, 8, '-') && Ist(z, 37, '-') && Ist(z, 41, '-') &&

@@ -217,7 +217,9 @@ TEST(Anweisung, SpaltenNachNameUndTabelle) {
 TEST(Datenbank, TabellenAnlegen) {
     Datenbank db(":memory:");
     const Werte namen = {"Flurstück-Nachfolger", "Zähler/Nenner", "gml:id", "Nr#", "mit Blank"};
-    const std::vector<Feld> felder(namen.begin(), namen.end());
+    std::vector<Feld> felder;
+    for (const auto& name : namen)
+        felder.push_back({name});
     db.TabelleAnlegen("tblFlurstück", felder);
     EXPECT_EQ(db.Spaltennamen("TBLFLURSTÜCK"), namen);
     EXPECT_TRUE(db.TabelleVorhanden("TBLFLURSTÜCK"));
