@@ -6,6 +6,8 @@
 #include "core/text.hpp"
 #include "nas/knoten.hpp"
 
+#include <map>
+#include <set>
 
 namespace flurix::nas {
 namespace {
@@ -30,6 +32,14 @@ bool Versuchen(F&& arbeit) {
     } catch (const Fehler&) {
         return false;
     }
+}
+
+// A table or column name as SQLite compares it: ASCII letters without regard to case.
+std::string SqliteFalten(std::string name) {
+    for (char& c : name)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return name;
 }
 
 std::string IndexName(std::string_view tabelle, std::string_view index) {
@@ -287,34 +297,60 @@ bool DAO_DatenbankKomprimieren(const std::filesystem::path& pfad) {
 
 void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
                                    const std::function<void(std::string_view)>& log) {
-    auto tabelleAnlegen = [&](const std::string& tabelle, bool eindeutig) {
-        db.AusführenNativ("CREATE TABLE " + Bezeichner(tabelle) + " (\"id\" TEXT COLLATE NOCASE)");
-        if (!DAO_IndexAnlegen(db, tabelle, "id", eindeutig, eindeutig))
-            log(", DAO_CreateIndex: " + tabelle + " Indexfehler...");
+    // The tables are gathered first and each is made with all its columns in one statement: a
+    // column added at a time would change the schema a thousand times, and the database module
+    // reads the grown schema anew after each change.
+    struct Tabelle {
+        std::string name;
+        bool eindeutig = true;
+        std::vector<std::pair<std::string, int>> spalten; // in the order of the node file
+        std::set<std::string> gefaltet;                   // as SQLite compares column names
+    };
+    std::vector<Tabelle> tabellen;
+    std::map<std::string, std::size_t> nachName; // folded table name -> index
+    const auto tabelle = [&](const std::string& name, bool eindeutig) -> Tabelle* {
+        const auto [it, neu] = nachName.emplace(SqliteFalten(name), tabellen.size());
+        if (!neu)
+            return nullptr;
+        tabellen.push_back({name, eindeutig, {}, {SqliteFalten("id")}});
+        return &tabellen.back();
+    };
+    const auto spalte = [](Tabelle& t, const std::string& name, int typ) {
+        if (t.gefaltet.insert(SqliteFalten(name)).second)
+            t.spalten.emplace_back(name, typ);
     };
     for (const auto& klasse : knoten.klassen) {
-        if (DAO_TabelleVorhanden(db, klasse.tabelle))
+        Tabelle* eigene = tabelle(klasse.tabelle, true);
+        if (eigene == nullptr)
             log(", DAO_CreatedNewTable: " + klasse.tabelle + " Tabelle schon vorhanden...");
-        else
-            tabelleAnlegen(klasse.tabelle, true);
+        Tabelle& t = eigene ? *eigene : tabellen[nachName.at(SqliteFalten(klasse.tabelle))];
         for (const auto& feld : klasse.felder) {
             switch (feld.art) {
             case Feldart::Kennung:
                 break;
             case Feldart::Relation: {
-                const std::string tabelle = feld.RelationsTabelle(klasse.tabelle);
-                if (!DAO_TabelleVorhanden(db, tabelle))
-                    tabelleAnlegen(tabelle, false);
-                DAO_FeldAnlegen(db, tabelle, feld.ziel, feld.typ);
+                const std::string name = feld.RelationsTabelle(klasse.tabelle);
+                tabelle(name, false);
+                spalte(tabellen[nachName.at(SqliteFalten(name))], feld.ziel, feld.typ);
                 break;
             }
             case Feldart::Attribut:
             case Feldart::Geometrie:
-                if (!DAO_FeldAnlegen(db, klasse.tabelle, feld.text, feld.typ))
-                    log(", DAO_FeldAnlegen: " + klasse.tabelle + "." + feld.text + " Feldfehler...");
+                spalte(t, feld.text, feld.typ);
                 break;
             }
         }
+    }
+    for (const auto& t : tabellen) {
+        std::string sql = "CREATE TABLE " + Bezeichner(t.name) + " (\"id\" TEXT COLLATE NOCASE";
+        for (const auto& [name, typ] : t.spalten)
+            sql += ", " + Bezeichner(name) + " " + SpaltenDeklaration(typ);
+        if (!Versuchen([&] { db.AusführenNativ(sql + ")"); })) {
+            log(", DAO_CreatedNewTable: " + t.name + " Tabellenfehler...");
+            continue;
+        }
+        if (!DAO_IndexAnlegen(db, t.name, "id", t.eindeutig, t.eindeutig))
+            log(", DAO_CreateIndex: " + t.name + " Indexfehler...");
     }
 }
 
