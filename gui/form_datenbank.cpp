@@ -63,7 +63,13 @@ FormDatenbank::FormDatenbank(Programmzustand& zustand, Zahlenformat& format, QtO
     resize(1100, 700);
 }
 
-FormDatenbank::~FormDatenbank() { delete m_nasFenster.data(); }
+FormDatenbank::~FormDatenbank() {
+    delete m_nasFenster.data();
+    // The grid still paints its header while QWidget's destructor closes the window, after the
+    // table it shows (a member) is gone: it lets go of the model first.
+    if (m_tabelle != nullptr)
+        m_tabelle->setModel(nullptr);
+}
 
 QAction* FormDatenbank::Befehl(const QString& name, QStyle::StandardPixmap symbol,
                                const QString& text, const QString& tipp) {

@@ -308,22 +308,22 @@ void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
     };
     std::vector<Tabelle> tabellen;
     std::map<std::string, std::size_t> nachName; // folded table name -> index
-    const auto tabelle = [&](const std::string& name, bool eindeutig) -> Tabelle* {
-        const auto [it, neu] = nachName.emplace(SqliteFalten(name), tabellen.size());
-        if (!neu)
-            return nullptr;
-        tabellen.push_back({name, eindeutig, {}, {SqliteFalten("id")}});
-        return &tabellen.back();
+    // Adds a table; false when it is there already.
+    const auto tabelle = [&](const std::string& name, bool eindeutig) {
+        const bool neu = nachName.emplace(SqliteFalten(name), tabellen.size()).second;
+        if (neu)
+            tabellen.push_back({name, eindeutig, {}, {SqliteFalten("id")}});
+        return neu;
     };
     const auto spalte = [](Tabelle& t, const std::string& name, int typ) {
         if (t.gefaltet.insert(SqliteFalten(name)).second)
             t.spalten.emplace_back(name, typ);
     };
     for (const auto& klasse : knoten.klassen) {
-        Tabelle* eigene = tabelle(klasse.tabelle, true);
-        if (eigene == nullptr)
+        if (!tabelle(klasse.tabelle, true))
             log(", DAO_CreatedNewTable: " + klasse.tabelle + " Tabelle schon vorhanden...");
-        Tabelle& t = eigene ? *eigene : tabellen[nachName.at(SqliteFalten(klasse.tabelle))];
+        // By number: a relation's table added below moves the vector.
+        const std::size_t eigene = nachName.at(SqliteFalten(klasse.tabelle));
         for (const auto& feld : klasse.felder) {
             switch (feld.art) {
             case Feldart::Kennung:
@@ -336,7 +336,7 @@ void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
             }
             case Feldart::Attribut:
             case Feldart::Geometrie:
-                spalte(t, feld.text, feld.typ);
+                spalte(tabellen[eigene], feld.text, feld.typ);
                 break;
             }
         }
