@@ -11,6 +11,8 @@
 #include <fstream>
 #include <system_error>
 
+#include <unistd.h>
+
 namespace flurix {
 namespace {
 
@@ -22,7 +24,8 @@ std::filesystem::path ProgrammOrdner() {
 
 // Step 4: the working directory must take a file, or nothing works.
 bool SchreibrechtPrüfen(const std::filesystem::path& ordner) {
-    const auto probe = ordner / "###schreibrecht###";
+    // One probe a process: two programs starting at once must not take each other's away.
+    const auto probe = ordner / ("###schreibrecht###" + std::to_string(::getpid()));
     {
         std::ofstream aus(probe, std::ios::binary | std::ios::trunc);
         aus << "test\r\n";
