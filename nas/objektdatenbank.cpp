@@ -312,7 +312,7 @@ void DAO_DatenbankAnlegenAusKnoten(Datenbank& db, const KnotenDatei& knoten,
     const auto tabelle = [&](const std::string& name, bool eindeutig) {
         const bool neu = nachName.emplace(SqliteFalten(name), tabellen.size()).second;
         if (neu)
-            tabellen.push_back({name, eindeutig, {}, {SqliteFalten("id")}});
+            tabellen.push_back({name, eindeutig, {}, {"id"}});
         return neu;
     };
     const auto spalte = [](Tabelle& t, const std::string& name, int typ) {

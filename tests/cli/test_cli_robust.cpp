@@ -3,6 +3,7 @@
 // it the system stops the program) leaves the user's older file as it was, and a German locale
 // changes no byte of any output.
 
+#include "core/text.hpp"
 #include "gemeinsam/testumgebung.hpp"
 
 #include <gtest/gtest.h>
@@ -22,13 +23,6 @@ namespace fs = std::filesystem;
 
 const fs::path Quellen = FLURIX_QUELLEN;
 const std::string Programm = std::string(FLURIX_BINAER) + "/flurix";
-
-std::string ersetzt(std::string text, const std::string& was, const std::string& wodurch) {
-    for (auto stelle = text.find(was); stelle != std::string::npos;
-         stelle = text.find(was, stelle + wodurch.size()))
-        text.replace(stelle, was.size(), wodurch);
-    return text;
-}
 
 // A folder with the samples and the NAS sample's table, made once without any limit.
 struct Werkbank {
@@ -143,7 +137,7 @@ TEST(CliEingaben, SqlZeichenInDenDatenKommenUnverändertInDieTabelle) {
         for (const auto& e : fall.ersetzungen) {
             ASSERT_NE(feindlich.find(e.schlicht), std::string::npos) << e.schlicht;
             feindlich =
-                ersetzt(feindlich, e.schlicht, e.inDerDatei.empty() ? e.feindlich : e.inDerDatei);
+                Ersetzen(feindlich, e.schlicht, e.inDerDatei.empty() ? e.feindlich : e.inDerDatei);
         }
         const std::string endung = fs::path(fall.eingabe).extension().string();
         test::DateiSchreiben(bank.ordner / ("feindlich" + endung), feindlich);
@@ -152,16 +146,16 @@ TEST(CliEingaben, SqlZeichenInDenDatenKommenUnverändertInDieTabelle) {
             const std::string ein = i == 0 ? fall.eingabe : "feindlich" + endung;
             const std::string aus = i == 0 ? "schlicht.tsv" : "feindlich.tsv";
             const auto lauf =
-                bank.Flurix("", ersetzt(ersetzt(fall.befehl, "<ein>", ein), "<aus>", aus));
+                bank.Flurix("", Ersetzen(Ersetzen(fall.befehl, "<ein>", ein), "<aus>", aus));
             ASSERT_EQ(lauf.status, 0) << lauf.ausgabe;
             tabellen[i] = test::DateiLesen(bank.ordner / aus);
         }
         std::string zurück = tabellen[1];
         for (const auto& e : fall.ersetzungen) {
             const std::string inDerTabelle =
-                fall.semikolonAlsKomma ? ersetzt(e.feindlich, ";", ",") : e.feindlich;
+                fall.semikolonAlsKomma ? Ersetzen(e.feindlich, ";", ",") : e.feindlich;
             EXPECT_NE(zurück.find(inDerTabelle), std::string::npos) << inDerTabelle;
-            zurück = ersetzt(zurück, inDerTabelle, e.schlicht);
+            zurück = Ersetzen(zurück, inDerTabelle, e.schlicht);
         }
         EXPECT_TRUE(zurück == tabellen[0])
             << "die Tabelle der feindlichen Datei ist nicht die der schlichten";
@@ -169,7 +163,7 @@ TEST(CliEingaben, SqlZeichenInDenDatenKommenUnverändertInDieTabelle) {
         // The search bar takes the hostile text as a term like any other (the start of the cell).
         std::string begriff = fall.ersetzungen.front().feindlich;
         if (fall.semikolonAlsKomma)
-            begriff = ersetzt(begriff, ";", ",");
+            begriff = Ersetzen(begriff, ";", ",");
         const auto suche = bank.Flurix("", "suchen feindlich.tsv --spalte Name --begriff " +
                                                test::Wort(begriff + "*") + " --out treffer.tsv");
         ASSERT_EQ(suche.status, 0) << suche.ausgabe;
@@ -258,7 +252,7 @@ TEST(CliEingaben, KodierungenUndZeilenformenJedesTextlesers) {
             SCOPED_TRACE(l.befehl + ", " + l.quelle + ": " + form.name);
             const std::string name = std::string("form") + l.endung;
             test::DateiSchreiben(bank.ordner / name, form.machen(text));
-            const auto lauf = bank.Flurix("", ersetzt(l.befehl, "<ein>", name));
+            const auto lauf = bank.Flurix("", Ersetzen(l.befehl, "<ein>", name));
             ASSERT_TRUE(WIFEXITED(lauf.status)) << "abgestürzt: " << lauf.ausgabe.substr(0, 500);
             if (form.utf16) {
                 EXPECT_EQ(WEXITSTATUS(lauf.status), 1);
@@ -302,8 +296,7 @@ TEST(CliSchreiben, GleicheBytesUnterDeutscherLocale) {
         for (auto [datei, argumente] : aufträge) {
             SCOPED_TRACE(locale + ": " + argumente);
             // A job line names its file with the whole path.
-            if (argumente.starts_with("<muster>"))
-                argumente.replace(0, 8, bank.Pfad("muster.xml"));
+            argumente = Ersetzen(argumente, "<muster>", bank.Pfad("muster.xml"));
             const auto lauf = bank.Flurix(
                 "export LC_ALL=" + locale + " SOURCE_DATE_EPOCH=1700000000;", argumente);
             ASSERT_EQ(lauf.status, 0) << lauf.ausgabe;
