@@ -19,6 +19,7 @@ PAKETE=(
     locales zip unzip xz-utils
     qpdf poppler-utils
     sqlite3 python3 gdal-bin libsqlite3-mod-spatialite python3-ezdxf
+    libcurl4-openssl-dev proj-bin mapserver-bin cgi-mapserver
 )
 
 # Installs the Debian packages of the list that are missing.
