@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <system_error>
+#include <utility>
 
 namespace flurix::karte {
 namespace {
@@ -56,18 +57,9 @@ size_t InDateiSchreiben(char* daten, size_t größe, size_t anzahl, void* ziel) 
     return std::fwrite(daten, größe, anzahl, static_cast<std::FILE*>(ziel)) * größe;
 }
 
-// One request with the options; the body goes where `schreiben` puts it.
-HttpErgebnis Anfrage(const std::string& url, const HttpOptionen& optionen,
-                     curl_write_callback schreiben, void* ziel) {
-    CurlEinmalStarten();
-    HttpErgebnis ergebnis;
-    CurlZeiger curl(curl_easy_init());
-    if (!curl) {
-        ergebnis.fehlerText = "libcurl nicht verfügbar";
-        return ergebnis;
-    }
-    char fehlerpuffer[CURL_ERROR_SIZE] = {};
-    CURL* c = curl.get();
+// The options of one request on an easy handle; the body goes where `schreiben` puts it.
+void Einrichten(CURL* c, const std::string& url, const HttpOptionen& optionen,
+                curl_write_callback schreiben, void* ziel, char* fehlerpuffer) {
     curl_easy_setopt(c, CURLOPT_URL, url.c_str());
     curl_easy_setopt(c, CURLOPT_ERRORBUFFER, fehlerpuffer);
     curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, schreiben);
@@ -85,45 +77,85 @@ HttpErgebnis Anfrage(const std::string& url, const HttpOptionen& optionen,
         curl_easy_setopt(c, CURLOPT_USERNAME, optionen.benutzer.c_str());
         curl_easy_setopt(c, CURLOPT_PASSWORD, optionen.passwort.c_str());
     }
-    const CURLcode code = curl_easy_perform(c);
+}
+
+HttpErgebnis ErgebnisAus(CURL* c, CURLcode code, const char* fehlerpuffer) {
+    HttpErgebnis ergebnis;
     curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &ergebnis.status);
     if (const char* typ = nullptr; curl_easy_getinfo(c, CURLINFO_CONTENT_TYPE, &typ) == CURLE_OK && typ)
         ergebnis.inhaltstyp = typ;
-    if (code != CURLE_OK) {
+    if (code != CURLE_OK)
         ergebnis.fehlerText = FehlerText(code, fehlerpuffer);
+    ergebnis.ok = code == CURLE_OK;
+    return ergebnis;
+}
+
+// A download's file: written under its temporary name, renamed when complete, removed otherwise.
+class Dateiziel {
+public:
+    explicit Dateiziel(std::filesystem::path datei)
+        : m_datei(std::move(datei)), m_temporär(Zieldatei::Zwischenname(m_datei)),
+          m_f(std::fopen(m_temporär.c_str(), "wb")) {}
+    Dateiziel(const Dateiziel&) = delete;
+    Dateiziel& operator=(const Dateiziel&) = delete;
+    Dateiziel(Dateiziel&&) = delete;
+    Dateiziel& operator=(Dateiziel&&) = delete;
+    ~Dateiziel() { Abschließen(false); }
+
+    std::FILE* Strom() const { return m_f; }
+    HttpErgebnis NichtOffen() const {
+        HttpErgebnis ergebnis;
+        ergebnis.fehlerText = "WindowsErrorCode: 0x5 (Datei nicht beschreibbar): " + m_datei.string();
         return ergebnis;
     }
-    ergebnis.ok = true;
-    return ergebnis;
+    /// Closes; on success renames to the file (a failure to do so turns the result into one).
+    void Abschließen(bool erfolgreich, HttpErgebnis* ergebnis = nullptr) {
+        if (!m_f)
+            return;
+        const bool geschlossen = std::fclose(m_f) == 0;
+        m_f = nullptr;
+        std::error_code fehler;
+        if (erfolgreich && !geschlossen)
+            fehler = std::make_error_code(std::errc::io_error);
+        if (erfolgreich && !fehler)
+            std::filesystem::rename(m_temporär, m_datei, fehler);
+        if (erfolgreich && fehler && ergebnis) {
+            ergebnis->ok = false;
+            ergebnis->fehlerText = "WindowsErrorCode: 0x5 (" + fehler.message() + "): " + m_datei.string();
+        }
+        if (!erfolgreich || fehler)
+            std::filesystem::remove(m_temporär, fehler);
+    }
+
+private:
+    std::filesystem::path m_datei;
+    std::filesystem::path m_temporär;
+    std::FILE* m_f;
+};
+
+HttpErgebnis Anfrage(const std::string& url, const HttpOptionen& optionen,
+                     curl_write_callback schreiben, void* ziel) {
+    CurlEinmalStarten();
+    CurlZeiger curl(curl_easy_init());
+    if (!curl) {
+        HttpErgebnis ergebnis;
+        ergebnis.fehlerText = "libcurl nicht verfügbar";
+        return ergebnis;
+    }
+    char fehlerpuffer[CURL_ERROR_SIZE] = {};
+    Einrichten(curl.get(), url, optionen, schreiben, ziel, fehlerpuffer);
+    return ErgebnisAus(curl.get(), curl_easy_perform(curl.get()), fehlerpuffer);
 }
 
 } // namespace
 
 HttpErgebnis HttpDateiLaden(const std::string& url, const std::filesystem::path& datei,
                             const HttpOptionen& optionen) {
-    const std::filesystem::path temporär = Zieldatei::Zwischenname(datei);
-    std::FILE* f = std::fopen(temporär.c_str(), "wb");
-    if (!f) {
-        HttpErgebnis ergebnis;
-        ergebnis.fehlerText = "WindowsErrorCode: 0x5 (Datei nicht beschreibbar): " + datei.string();
-        return ergebnis;
-    }
-    HttpErgebnis ergebnis = Anfrage(url, optionen, InDateiSchreiben, f);
-    const bool geschlossen = std::fclose(f) == 0;
-    if (ergebnis.ok && !geschlossen) {
-        ergebnis.ok = false;
-        ergebnis.fehlerText = "WindowsErrorCode: 0x5 (Schreibfehler): " + datei.string();
-    }
-    std::error_code fehler;
-    if (ergebnis.ok) {
-        std::filesystem::rename(temporär, datei, fehler);
-        if (fehler) {
-            ergebnis.ok = false;
-            ergebnis.fehlerText = "WindowsErrorCode: 0x5 (" + fehler.message() + "): " + datei.string();
-        }
-    }
-    if (!ergebnis.ok)
-        std::filesystem::remove(temporär, fehler);
+    Dateiziel ziel(datei);
+    if (!ziel.Strom())
+        return ziel.NichtOffen();
+    HttpErgebnis ergebnis = Anfrage(url, optionen, InDateiSchreiben, ziel.Strom());
+    ziel.Abschließen(ergebnis.ok, &ergebnis);
     return ergebnis;
 }
 
@@ -134,6 +166,89 @@ HttpErgebnis HttpAnfrageAlsText(const std::string& url, std::string& text,
     if (!ergebnis.ok)
         text.clear();
     return ergebnis;
+}
+
+struct HttpMehrfach::Übertragung {
+    int nummer = 0;
+    CurlZeiger curl;
+    std::unique_ptr<Dateiziel> ziel;
+    char fehlerpuffer[CURL_ERROR_SIZE] = {};
+};
+
+HttpMehrfach::HttpMehrfach() {
+    CurlEinmalStarten();
+    m_multi = curl_multi_init();
+}
+
+HttpMehrfach::~HttpMehrfach() {
+    for (auto& ü : m_übertragungen)
+        curl_multi_remove_handle(static_cast<CURLM*>(m_multi), ü->curl.get());
+    m_übertragungen.clear();
+    curl_multi_cleanup(static_cast<CURLM*>(m_multi));
+}
+
+int HttpMehrfach::Hinzufügen(const std::string& url, const std::filesystem::path& datei,
+                             const HttpOptionen& optionen) {
+    auto ü = std::make_unique<Übertragung>();
+    ü->nummer = m_nächste++;
+    ü->ziel = std::make_unique<Dateiziel>(datei);
+    ü->curl.reset(curl_easy_init());
+    if (!ü->ziel->Strom() || !ü->curl) {
+        m_fertig.emplace_back(ü->nummer, ü->ziel->NichtOffen());
+        return ü->nummer;
+    }
+    Einrichten(ü->curl.get(), url, optionen, InDateiSchreiben, ü->ziel->Strom(), ü->fehlerpuffer);
+    curl_easy_setopt(ü->curl.get(), CURLOPT_PRIVATE, ü.get());
+    curl_multi_add_handle(static_cast<CURLM*>(m_multi), ü->curl.get());
+    m_übertragungen.push_back(std::move(ü));
+    return m_übertragungen.back()->nummer;
+}
+
+void HttpMehrfach::Beenden(Übertragung& ü, int curlCode, bool abgebrochen) {
+    HttpErgebnis ergebnis = ErgebnisAus(ü.curl.get(), static_cast<CURLcode>(curlCode), ü.fehlerpuffer);
+    if (abgebrochen) {
+        ergebnis.ok = false;
+        ergebnis.fehlerText = "abgebrochen";
+    }
+    ü.ziel->Abschließen(ergebnis.ok, &ergebnis);
+    curl_multi_remove_handle(static_cast<CURLM*>(m_multi), ü.curl.get());
+    m_fertig.emplace_back(ü.nummer, std::move(ergebnis));
+    std::erase_if(m_übertragungen, [&](const auto& p) { return p.get() == &ü; });
+}
+
+std::vector<std::pair<int, HttpErgebnis>> HttpMehrfach::Weiter(std::chrono::milliseconds warten) {
+    auto* multi = static_cast<CURLM*>(m_multi);
+    int laufend = 0;
+    if (!m_übertragungen.empty()) {
+        curl_multi_perform(multi, &laufend);
+        if (laufend > 0 && m_fertig.empty()) {
+            curl_multi_poll(multi, nullptr, 0, static_cast<int>(warten.count()), nullptr);
+            curl_multi_perform(multi, &laufend);
+        }
+        int rest = 0;
+        while (CURLMsg* nachricht = curl_multi_info_read(multi, &rest)) {
+            if (nachricht->msg != CURLMSG_DONE)
+                continue;
+            Übertragung* ü = nullptr;
+            curl_easy_getinfo(nachricht->easy_handle, CURLINFO_PRIVATE, &ü);
+            if (ü)
+                Beenden(*ü, nachricht->data.result, false);
+        }
+    }
+    return std::exchange(m_fertig, {});
+}
+
+void HttpMehrfach::Abbrechen(int nummer) {
+    for (auto& ü : m_übertragungen) {
+        if (ü->nummer == nummer) {
+            Beenden(*ü, CURLE_ABORTED_BY_CALLBACK, true);
+            return;
+        }
+    }
+}
+
+int HttpMehrfach::Offen() const {
+    return static_cast<int>(m_übertragungen.size() + m_fertig.size());
 }
 
 std::string HttpVersion() {

@@ -9,7 +9,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace flurix::karte {
 
@@ -41,6 +44,41 @@ HttpErgebnis HttpDateiLaden(const std::string& url, const std::filesystem::path&
 /// The body of `url` as text (the bytes as they came). On failure `text` stays empty.
 HttpErgebnis HttpAnfrageAlsText(const std::string& url, std::string& text,
                                 const HttpOptionen& optionen = {});
+
+/// Several downloads at once, each to its file, driven by the caller's loop: the map's levels and
+/// the tile runs fetch in parallel while the caller polls, shows progress and may cancel. Each file
+/// is written as HttpDateiLaden writes it (temporary name, renamed when complete).
+class HttpMehrfach {
+public:
+    HttpMehrfach();
+    HttpMehrfach(const HttpMehrfach&) = delete;
+    HttpMehrfach& operator=(const HttpMehrfach&) = delete;
+    HttpMehrfach(HttpMehrfach&&) = delete;
+    HttpMehrfach& operator=(HttpMehrfach&&) = delete;
+    /// Cancels what still runs.
+    ~HttpMehrfach();
+
+    /// Starts a download; the number names it in the results.
+    int Hinzufügen(const std::string& url, const std::filesystem::path& datei, const HttpOptionen& optionen = {});
+
+    /// Lets the transfers run for at most `warten` (returns earlier when one ends) and gives the
+    /// downloads that ended since the last call, with their results.
+    std::vector<std::pair<int, HttpErgebnis>> Weiter(std::chrono::milliseconds warten);
+
+    /// Stops a download; its result, given by the next Weiter, says "abgebrochen". No file is left.
+    void Abbrechen(int nummer);
+    /// Number of downloads not yet reported.
+    int Offen() const;
+
+private:
+    struct Übertragung;
+    void Beenden(Übertragung& ü, int curlCode, bool abgebrochen);
+
+    void* m_multi;
+    std::vector<std::unique_ptr<Übertragung>> m_übertragungen;
+    std::vector<std::pair<int, HttpErgebnis>> m_fertig;
+    int m_nächste = 1;
+};
 
 /// libcurl's version for the info window and the protocol, e.g. "libcurl/7.88.1 OpenSSL/3.0.x".
 std::string HttpVersion();
