@@ -163,6 +163,25 @@ const std::vector<Befehl>& Befehle() {
          "  zwei Läufe dieselben Bytes schreiben. Ende mit 1, wenn die Mehrfacheigentümer falsch\n"
          "  sortiert sind: die Meldung steht auf stderr, die Datei enthält, was bis dahin steht.\n",
          BefehlAuszug},
+        {"karte", "lädt ein Kartenbild von WMS-Diensten, wie das Kartenfenster es zeigt (PNG, JPEG, ...)",
+         "Aufruf: flurix karte --zentrum <rechtswert;hochwert> --dienst <name>[/<name2>/<name3>]\n"
+         "                    --out <bild.png|.jpg|.bmp|.tif> [Optionen]\n"
+         "  Fragt die Dienste des Dienstkatalogs (config/WebService.fil) nach dem Ausschnitt um das\n"
+         "  Zentrum und setzt die Ebenen zusammen: die erste liegt vorn, die dritte hinten, Weiß ist\n"
+         "  durchsichtig. Eine Anfrage, deren Bild schon im Arbeitsverzeichnis liegt, wird nicht\n"
+         "  noch einmal geladen. Ohne Angabe gelten die StartMapWebService-Werte aus Flurix.dat.\n"
+         "  --massstab <s>     Maßstab 1:s bei 96 dpi (Vorgabe 1000)\n"
+         "  --epsg <code>      25832 oder 25833 (Vorgabe 25833)\n"
+         "  --groesse <b>x<h>  Bildfeld in Pixeln (Vorgabe 1000x750)\n"
+         "  --faktor <f>       Bitmap-Faktor: so viel mal mehr Pixel für denselben Ausschnitt\n"
+         "  --katalog <datei>  ein anderer Dienstkatalog (.fil oder .dat)\n"
+         "  --temp <ordner>    Ordner der zwischengespeicherten Bilder\n"
+         "  --neu              vorhandene Bilder verwerfen und neu laden (\"Hardzoom\")\n"
+         "  --protokoll        die Anfragen an _MAP-Anfrage.prn im Ordner anhängen\n"
+         "  --zeitlimit <s>    Sekunden je Anfrage (Vorgabe 60)\n"
+         "  stdout: Datei, Pixel, Maßstab, Zahl der Downloads. Ende mit 1, wenn eine Ebene fehlt\n"
+         "  (die Meldung des Dienstes steht auf stderr) oder kein Bild entstand.\n",
+         BefehlKarte},
     };
     return befehle;
 }

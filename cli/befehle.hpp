@@ -33,6 +33,7 @@ int BefehlAuszug(const std::vector<std::string>&, std::ostream&, std::ostream&, 
 int BefehlExport(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlNas(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlNasWerkzeug(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
+int BefehlKarte(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlMarkieren(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 
 /// A job command line: "<path>/job.wldge" and the other interactive types open the desktop program;

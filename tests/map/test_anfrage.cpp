@@ -1,15 +1,18 @@
 // The GetMap request, its cache file, the HTTP client and the test of the answers.
 #include "map/antwort.hpp"
+#include "map/kartenabruf.hpp"
 #include "map/getmap.hpp"
 #include "map/http.hpp"
 #include "map/lokale_dienste.hpp"
 
+#include "core/oberflaeche_skript.hpp"
 #include "gemeinsam/testumgebung.hpp"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
 
+#include <fstream>
 #include <map>
 
 namespace flurix::karte {
@@ -147,6 +150,19 @@ TEST(Antwort, DasProtokollBekommtZweiZeilenJeEbene) {
               "10:11:12 25.11.2026, 1.Ebene: Name: /tmp/t/#tmp_wms1.png\r\n"
               "10:11:13 25.11.2026, 1.Ebene: URL: http://h/wms?x\r\n"
               "10:11:13 25.11.2026, 1.Ebene: Name: /tmp/t/#tmp_wms1.png\r\n");
+}
+
+TEST(Kartenstart, EinVollerTempOrdnerWirdAufWunschGeleert) {
+    test::TempOrdner ordner;
+    SkriptOberfläche ui({Antwort::Nein, Antwort::Ja});
+    EXPECT_EQ(TempOrdnerAufräumen(ordner.pfad(), ui), 0); // empty: no question
+    for (int i = 0; i <= 10000; ++i)
+        std::ofstream(ordner / ("#tmp_wms1_" + std::to_string(i) + ".png"));
+    EXPECT_EQ(TempOrdnerAufräumen(ordner.pfad(), ui), 0);
+    EXPECT_EQ(TempOrdnerAufräumen(ordner.pfad(), ui), 10001);
+    EXPECT_EQ(ui.Fragen(), std::vector<std::string>(2, "Im temporären Verzeichnis wurden über 10001 Dateien "
+                                                       "vorgefunden!\nAlle Dateien löschen?"));
+    EXPECT_TRUE(std::filesystem::is_empty(ordner.pfad()));
 }
 
 // The client against the stub: what services and networks do to a request.
