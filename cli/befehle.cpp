@@ -182,6 +182,18 @@ const std::vector<Befehl>& Befehle() {
          "  stdout: Datei, Pixel, Maßstab, Zahl der Downloads. Ende mit 1, wenn eine Ebene fehlt\n"
          "  (die Meldung des Dienstes steht auf stderr) oder kein Bild entstand.\n",
          BefehlKarte},
+        {"koordinaten", "rechnet Koordinatenpaare um: ETRS89/UTM 32, 33 und geographisch",
+         "Aufruf: flurix koordinaten --von <system> --nach <system> [<datei>]\n"
+         "  Rechnet wie die Karte: <system> ist 25832 oder 25833 (ETRS89/UTM, Streifen 32 oder 33)\n"
+         "  oder geo (geographisch auf GRS 1980, Breite und Länge in Grad).\n"
+         "  Je Zeile der Datei (ohne Datei: stdin) ein Paar \"Rechtswert Hochwert\" oder\n"
+         "  \"Breite Länge\", getrennt durch Leerzeichen, TAB oder \";\"; Dezimalkomma erlaubt,\n"
+         "  Winkel auch in Grad, Minuten und Sekunden: 52°30'15.5\".\n"
+         "  Ausgabe: je Eingabezeile eine Zeile, metrisch auf Millimeter gerundet (3 Stellen),\n"
+         "  geographisch in Grad mit 10 Stellen; eine leere Zeile bleibt leer.\n"
+         "  Ende mit 1, wenn eine Zeile kein Paar enthält: die Meldung auf stderr nennt die Zeile,\n"
+         "  die Ausgabe hat an ihrer Stelle eine leere Zeile.\n",
+         BefehlKoordinaten},
     };
     return befehle;
 }
