@@ -1,5 +1,7 @@
 #include "core/cp1252.hpp"
 
+#include "core/datei.hpp"
+
 #include <array>
 #include <cstdint>
 
@@ -132,6 +134,10 @@ std::string DateitextNachUtf8(std::string_view text) {
     if (IstGültigesUtf8(text))
         return std::string(text);
     return Cp1252NachUtf8(text);
+}
+
+std::string KonfigText(const std::filesystem::path& datei) {
+    return DateiVorhanden(datei) ? DateitextNachUtf8(DateiKomplettLesen(datei)) : std::string();
 }
 
 } // namespace flurix

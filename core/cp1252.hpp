@@ -1,6 +1,7 @@
 #pragma once
 // Windows-1252 at the edges of the program: inside, all text is UTF-8.
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -25,5 +26,9 @@ bool IstGültigesUtf8(std::string_view text);
 /// order mark is dropped), anything else is taken as Windows-1252. Configuration files are read
 /// this way, so that a file saved by a Linux editor works as well as one of Windows-1252.
 std::string DateitextNachUtf8(std::string_view text);
+
+/// The whole text of a configuration file as UTF-8 (Windows-1252 or UTF-8 on disk); "" when the
+/// file is missing. Throws Fehler when it exists but can't be read.
+std::string KonfigText(const std::filesystem::path& datei);
 
 } // namespace flurix

@@ -1,5 +1,7 @@
 #include "core/text.hpp"
 
+#include <cmath>
+
 #include <charconv>
 
 namespace flurix {
@@ -91,6 +93,39 @@ std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen) {
         if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80 && gezählt++ == zeichen)
             return text.substr(0, i);
     return text;
+}
+
+double Gerundet(double wert, int stellen) {
+    const double skala = std::pow(10.0, stellen);
+    return std::round(wert * skala) / skala;
+}
+
+std::string ZahlGerundet(double wert, int stellen) {
+    double gerundet = Gerundet(wert, stellen);
+    if (gerundet == 0)
+        gerundet = 0; // no "-0"
+    char puffer[64];
+    const auto [ende, fehler] = std::to_chars(puffer, puffer + sizeof puffer, gerundet, std::chars_format::fixed);
+    return fehler == std::errc() ? std::string(puffer, ende) : "0";
+}
+
+std::string Zahlmuster(double wert, std::string_view muster) {
+    const auto punkt = muster.find('.');
+    const std::size_t ganz = std::min(punkt, muster.size());
+    const int nachkomma = punkt == std::string_view::npos ? 0 : static_cast<int>(muster.size() - punkt - 1);
+    const double skala = std::pow(10.0, nachkomma);
+    const long long gerundet = std::llround(std::fabs(wert) * skala); // half away from zero
+    std::string ziffern = std::to_string(gerundet);
+    if (ziffern.size() <= static_cast<std::size_t>(nachkomma))
+        ziffern.insert(0, static_cast<std::size_t>(nachkomma) + 1 - ziffern.size(), '0');
+    std::string zahl = ziffern.substr(0, ziffern.size() - static_cast<std::size_t>(nachkomma));
+    if (zahl.size() < ganz)
+        zahl.insert(0, ganz - zahl.size(), '0');
+    if (nachkomma > 0)
+        zahl += "." + ziffern.substr(ziffern.size() - static_cast<std::size_t>(nachkomma));
+    if (wert < 0 && gerundet != 0)
+        zahl.insert(0, 1, '-');
+    return zahl;
 }
 
 } // namespace flurix

@@ -31,6 +31,16 @@ std::string_view TrimmeLeerzeichen(std::string_view text);
 /// The first `zeichen` characters (not bytes) of UTF-8 text; a letter is never split.
 std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen);
 
+/// A number in a pattern of zeros ("0000000.00", "00000", "0.0", "000"): as many places before
+/// the point as the pattern has at least, as many after it, rounded half away from zero.
+std::string Zahlmuster(double wert, std::string_view muster);
+
+/// A number rounded to `stellen` places, halves away from zero.
+double Gerundet(double wert, int stellen);
+
+/// A number rounded to `stellen` places, in its shortest form ("12.5", "124", "0.004").
+std::string ZahlGerundet(double wert, int stellen);
+
 /// Every occurrence of `alt` replaced by `neu`, left to right, without rescanning what was inserted.
 std::string Ersetzen(std::string_view text, std::string_view alt, std::string_view neu);
 

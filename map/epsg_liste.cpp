@@ -3,7 +3,7 @@
 #include "core/datei.hpp"
 #include "core/einstellungen.hpp"
 #include "core/text.hpp"
-#include "nas/konfig_suche.hpp"
+#include "core/cp1252.hpp"
 
 namespace flurix::karte {
 
@@ -18,7 +18,7 @@ std::vector<EpsgEintrag> EpsgListe(std::string_view konfigText) {
 }
 
 std::vector<EpsgEintrag> EpsgListeLesen(const std::filesystem::path& datei) {
-    return EpsgListe(nas::KonfigText(datei));
+    return EpsgListe(KonfigText(datei));
 }
 
 } // namespace flurix::karte

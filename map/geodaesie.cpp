@@ -1,7 +1,7 @@
 #include "map/geodaesie.hpp"
 
 #include "core/text.hpp"
-#include "nas/flaechenergebnis.hpp"
+#include "core/text.hpp"
 
 #include <charconv>
 #include <cmath>
@@ -302,7 +302,7 @@ std::array<double, 2> GeographischBogenNachETRS(double phi, double lambda, int L
         TransverseMercatorVorwärts(phi, lambda, grs.a, grs.e, GrsKoeffizienten(), UtmMaßstab,
                                    RechtswertOffset(L0, GrsName), L0);
     // Millimetres: the values the map has always written and compared.
-    return {nas::Gerundet(ost, 3), nas::Gerundet(nord, 3)};
+    return {Gerundet(ost, 3), Gerundet(nord, 3)};
 }
 
 KoordinatenSatz GeographischNachETRS(KoordinatenSatz satz, int L0) {

@@ -1,7 +1,7 @@
 #include "map/massstabsleiste.hpp"
 
 #include "map/geodaesie.hpp"
-#include "nas/flaechenergebnis.hpp"
+#include "core/text.hpp"
 
 #include <QImage>
 #include <QPainter>
@@ -54,8 +54,8 @@ Maßstabsleiste MaßstabsleisteBerechnen(long n) {
         leiste.segmente = 4;
     }
     leiste.segmentPixel = MeterNachPunkte(leiste.länge / leiste.segmente) / static_cast<double>(n);
-    leiste.beschriftung = leiste.länge < 1000 ? nas::ZahlGerundet(leiste.länge, 2) + " m"
-                                              : nas::ZahlGerundet(leiste.länge / 1000, 2) + " km";
+    leiste.beschriftung = leiste.länge < 1000 ? ZahlGerundet(leiste.länge, 2) + " m"
+                                              : ZahlGerundet(leiste.länge / 1000, 2) + " km";
     return leiste;
 }
 

@@ -4,7 +4,7 @@
 #include "core/oberflaeche.hpp"
 #include "core/text.hpp"
 #include "map/geodaesie.hpp"
-#include "nas/flaechenergebnis.hpp"
+#include "core/text.hpp"
 
 #include <cmath>
 #include <vector>
@@ -14,7 +14,7 @@ namespace {
 
 // A coordinate as the map writes it: rounded to 3 places, in its shortest form, always with a
 // point (to_chars never writes the comma of a locale).
-std::string Koordinatentext(double wert) { return nas::ZahlGerundet(wert, 3); }
+std::string Koordinatentext(double wert) { return ZahlGerundet(wert, 3); }
 
 std::string Ganzzahltext(double wert) { return std::to_string(std::llround(wert)); }
 
@@ -80,7 +80,7 @@ void MapReferenz::BitmapFaktorWählen(bool nurAlkis) {
         MapBitmapFaktor = faktor;
 }
 
-std::string BitmapFaktorText(double faktor) { return nas::Zahlmuster(faktor, "0.0"); }
+std::string BitmapFaktorText(double faktor) { return Zahlmuster(faktor, "0.0"); }
 
 bool BoxTextGültig(std::string_view yMin, std::string_view xMin, std::string_view yMax,
                    std::string_view xMax) {
@@ -134,8 +134,8 @@ Rahmen RahmenBerechnen(MapReferenz& ref, double breitePx, double höhePx, Oberfl
         yMax = ref.ZentrumY + halbeBreite;
         xMax = ref.ZentrumX + halbeHöhe;
     }
-    ref.ZentrumY = nas::Gerundet(ref.ZentrumY, 3);
-    ref.ZentrumX = nas::Gerundet(ref.ZentrumX, 3);
+    ref.ZentrumY = Gerundet(ref.ZentrumY, 3);
+    ref.ZentrumX = Gerundet(ref.ZentrumX, 3);
     ref.YMin = Koordinatentext(yMin);
     ref.XMin = Koordinatentext(xMin);
     ref.YMax = Koordinatentext(yMax);

@@ -4,6 +4,7 @@
 // of the areas to the official area. Pure text work, no database: the walk fills them, the fitting
 // reads them back from the parcel's row.
 
+#include "core/text.hpp"
 #include <array>
 #include <optional>
 #include <string>
@@ -77,14 +78,9 @@ private:
 /// the differences written; a kind without entries gets OhneVerteilung.
 void FlächenAnpassen(Flächenwerte& werte, double amtlich);
 
-/// A number in a pattern of zeros ("0000000.00", "00000", "0.0", "000"): as many places before
-/// the point as the pattern has at least, as many after it, rounded half away from zero.
-std::string Zahlmuster(double wert, std::string_view muster);
+using flurix::Zahlmuster;
 
-/// A number rounded to `stellen` places, halves away from zero.
-double Gerundet(double wert, int stellen);
-
-/// A number rounded to `stellen` places, in its shortest form ("12.5", "124", "0.004").
-std::string ZahlGerundet(double wert, int stellen);
+using flurix::Gerundet;
+using flurix::ZahlGerundet;
 
 } // namespace flurix::nas

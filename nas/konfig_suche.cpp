@@ -14,10 +14,6 @@
 
 namespace flurix::nas {
 
-std::string KonfigText(const std::filesystem::path& datei) {
-    return DateiVorhanden(datei) ? DateitextNachUtf8(DateiKomplettLesen(datei)) : std::string();
-}
-
 namespace {
 
 /// A configuration line as every reader sees it: tabs removed, blanks trimmed at both ends.

@@ -8,15 +8,14 @@
 // text: a configuration file can be replaced without a change of code. None of these functions
 // throws; a lookup that finds nothing gives "".
 
+#include "core/cp1252.hpp"
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace flurix::nas {
 
-/// The whole text of a configuration file as UTF-8 (Windows-1252 or UTF-8 on disk); "" when the
-/// file is missing. Throws Fehler when it exists but can't be read.
-std::string KonfigText(const std::filesystem::path& datei);
+using flurix::KonfigText;
 
 /// Value of the first line whose key column is contained in `schlüssel`. Lines that hold "*"
 /// anywhere are passed over. For each other line, a = TokenNr(line, schlüsselSpalte, trenner):
