@@ -12,6 +12,8 @@
 #include "core/text.hpp"
 #include "export/grafbat_leser.hpp"
 #include "import/datenladen.hpp"
+#include "map/capabilities.hpp"
+#include "map/layerauswahl.hpp"
 #include "import/textvorbereitung.hpp"
 #include "import/webxml.hpp"
 #include "import/wldge_komplett.hpp"
@@ -467,8 +469,19 @@ void FuzzGrafbat(Eingabe daten) {
     }
 }
 
+void FuzzCapabilities(Eingabe daten) {
+    SkriptOberfläche ui;
+    const auto inhalt = karte::WebServiceAnfrage(Text(daten), "fuzz", ui);
+    std::string auswahl;
+    for (std::size_t i = 0; i < inhalt.layerAnzahl; ++i)
+        auswahl += (Wahl(daten) & 1) || i % 2 == 0 ? "true," : "false,";
+    (void)karte::LayerListe(inhalt.layer, auswahl);
+    (void)karte::LayerEinträge(inhalt.layer, auswahl);
+    (void)karte::MaßstabUmrechnen(inhalt.maßstab);
+}
+
 std::span<const FuzzZiel> FuzzZiele() {
-    static constexpr std::array<FuzzZiel, 16> ziele{{
+    static constexpr std::array<FuzzZiel, 17> ziele{{
         {"wldge_komplett", FuzzWldgeKomplett},
         {"wldge_schnell", FuzzWldgeSchnell},
         {"webxml", FuzzWebXml},
@@ -485,6 +498,7 @@ std::span<const FuzzZiel> FuzzZiele() {
         {"markierung", FuzzMarkierung},
         {"geometrie", FuzzGeometrie},
         {"grafbat", FuzzGrafbat},
+        {"capabilities", FuzzCapabilities},
     }};
     return ziele;
 }

@@ -75,6 +75,10 @@ void FuzzMarkierung(Eingabe daten);
 void FuzzGeometrie(Eingabe daten);
 /// A GEOgraf batch file, line by line.
 void FuzzGrafbat(Eingabe daten);
+/// A WMS capabilities answer through the map's reader (with its one repair of a broken line),
+/// then the layer list through LayerListe and the layer dialogue, the scale cell through the
+/// 96 dpi conversion. Choice: bit 0 all layers chosen instead of every second one.
+void FuzzCapabilities(Eingabe daten);
 
 /// One entry under the name of its target (fuzz_<name>) and of its folder of inputs.
 struct FuzzZiel {
