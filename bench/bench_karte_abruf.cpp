@@ -4,6 +4,7 @@
 // The generator draws a map-like picture (flat areas, lines, some white) and writes it as PNG
 // where the request's cache file lies. Prints the median of the runs.
 //   bench_karte_abruf [läufe]
+// The first run decodes the PNG; the later ones find the decoded picture (map/bild_laden.cpp).
 
 #include "map/dienstkatalog.hpp"
 #include "map/kartenabruf.hpp"
@@ -68,19 +69,22 @@ int main(int argc, char** argv) {
     const auto erster = MapLoad(ref, katalog, wahl, 2000, 2000, umgebung, ui);
     KartenBild(2000).save(QString::fromStdString(erster.ebenen[0].datei.string()));
 
+    // The first run from the cache file decodes the PNG; the later ones find it decoded.
     std::vector<double> zeiten;
-    for (int i = 0; i < läufe; ++i) {
+    double ersterLauf = 0;
+    for (int i = 0; i <= läufe; ++i) {
         ui.Neu();
         const auto anfang = std::chrono::steady_clock::now();
         const auto bild = MapLoad(ref, katalog, wahl, 2000, 2000, umgebung, ui);
-        zeiten.push_back(bench::Sekunden(anfang) * 1000);
+        (i == 0 ? ersterLauf : zeiten.emplace_back()) = bench::Sekunden(anfang) * 1000;
         if (!bild.ok || bild.downloads != 0 || bild.bild.width() != 2000) {
             std::fprintf(stderr, "Lauf ohne Bild aus dem Cache\n");
             return 1;
         }
     }
     std::sort(zeiten.begin(), zeiten.end());
-    std::printf("MapLoad 2000x2000 aus dem Cache, alle Korrekturen: Median %.1f ms, schnellster %.1f ms (%d Läufe)\n",
-                zeiten[zeiten.size() / 2], zeiten.front(), läufe);
+    std::printf("MapLoad 2000x2000 aus dem Cache, alle Korrekturen: erster Lauf (PNG dekodieren) %.1f ms, "
+                "danach Median %.1f ms, schnellster %.1f ms (%d Läufe)\n",
+                ersterLauf, zeiten[zeiten.size() / 2], zeiten.front(), läufe);
     return 0;
 }

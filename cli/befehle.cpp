@@ -194,6 +194,17 @@ const std::vector<Befehl>& Befehle() {
          "  Ende mit 1, wenn eine Zeile kein Paar enthält: die Meldung auf stderr nennt die Zeile,\n"
          "  die Ausgabe hat an ihrer Stelle eine leere Zeile.\n",
          BefehlKoordinaten},
+        {"dienste", "zeigt den Web-Service-Katalog der Karte und liest Capabilities ein",
+         "Aufruf: flurix dienste liste [--katalog <datei>] [--out <datei.tsv>]\n"
+         "        flurix dienste einlesen <name>|--alle [--katalog <datei>]\n"
+         "  Der Katalog ist config/WebService.fil der Installation oder --katalog (.fil, .dat).\n"
+         "  liste: je Dienst eine Zeile, TAB-getrennt: id, Web-Service, URL, Anfrage, die\n"
+         "  gewählten Layer (LAYERS) und Maßstab; mit --out als .tsv-Datei.\n"
+         "  einlesen: fragt GetCapabilities des Dienstes (oder aller) an, übernimmt Layer,\n"
+         "  Legende und Maßstab in den Katalog und speichert ihn (.fil mit .dat daneben). Die\n"
+         "  neuen Zeilen stehen danach auf stdout. Dienste mit Zugang brauchen ihre Key-Datei\n"
+         "  neben dem Katalog. Ende mit 1, wenn ein Dienst nicht \"erfolgt\" ergab.\n",
+         BefehlDienste},
     };
     return befehle;
 }

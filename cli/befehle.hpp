@@ -36,6 +36,7 @@ int BefehlNasWerkzeug(const std::vector<std::string>&, std::ostream&, std::ostre
 int BefehlKarte(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlMarkieren(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 int BefehlKoordinaten(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
+int BefehlDienste(const std::vector<std::string>&, std::ostream&, std::ostream&, const Umgebung&);
 
 /// A job command line: "<path>/job.wldge" and the other interactive types open the desktop program;
 /// "<path>/job.xml /ggout /still" and its siblings run unattended; "/map y;x" opens the map.

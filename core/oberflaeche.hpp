@@ -58,6 +58,14 @@ public:
         static_cast<void>(sekunden);
         Meldung(text, titel, Stil::Information);
     }
+    /// An input box: asks for a text and returns what was typed, "" when the person cancelled. A
+    /// face that can't ask (an unattended run) returns `vorgabe`.
+    virtual std::string Eingabe(std::string_view text, std::string_view titel,
+                                std::string_view vorgabe) {
+        static_cast<void>(text);
+        static_cast<void>(titel);
+        return std::string(vorgabe);
+    }
 };
 
 } // namespace flurix

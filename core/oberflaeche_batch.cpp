@@ -24,6 +24,12 @@ Antwort BatchOberfläche::Frage(const Fragestellung& frage) {
     return frage.unbeaufsichtigt;
 }
 
+std::string BatchOberfläche::Eingabe(std::string_view text, std::string_view,
+                                     std::string_view vorgabe) {
+    Zeile(text);
+    return std::string(vorgabe);
+}
+
 void BatchOberfläche::Status(int, std::string_view text) {
     if (m_fortschrittZeigen)
         m_fehlerausgabe << "\r\033[K" << text << std::flush;

@@ -22,6 +22,9 @@ public:
     void Fortschritt(long long wert, long long max) override;
     bool AbbruchGewünscht() override { return false; }
     void Protokoll(std::string_view zeile) override;
+    /// Writes the prompt and takes the default: nobody is there to type.
+    std::string Eingabe(std::string_view text, std::string_view titel,
+                        std::string_view vorgabe) override;
 
 private:
     void Zeile(std::string_view text);

@@ -17,6 +17,16 @@ Antwort SkriptOberfläche::Frage(const Fragestellung& frage) {
     return antwort;
 }
 
+std::string SkriptOberfläche::Eingabe(std::string_view text, std::string_view titel,
+                                     std::string_view vorgabe) {
+    m_ereignisse.push_back({Ereignis::Art::Frage, std::string(text), std::string(titel), 0});
+    if (m_eingaben.empty())
+        return std::string(vorgabe);
+    std::string eingabe = std::move(m_eingaben.front());
+    m_eingaben.pop_front();
+    return eingabe;
+}
+
 void SkriptOberfläche::Status(int panel, std::string_view text) {
     m_ereignisse.push_back({Ereignis::Art::Status, std::string(text), {}, panel});
 }

@@ -20,7 +20,9 @@ struct Ereignis {
     bool operator==(const Ereignis&) const = default;
 };
 
-/// Answers questions from a queue; when the queue is empty it takes the unattended answer.
+/// Answers questions from a queue; when the queue is empty it takes the unattended answer. Input
+/// boxes are recorded as questions and take their texts from a queue of their own (the default
+/// when it is empty).
 /// `Abbrechen()` makes the next polls of AbbruchGewünscht() true.
 class SkriptOberfläche final : public Oberfläche {
 public:
@@ -33,7 +35,11 @@ public:
     void Fortschritt(long long wert, long long max) override;
     bool AbbruchGewünscht() override { return m_abbruch; }
     void Protokoll(std::string_view zeile) override;
+    std::string Eingabe(std::string_view text, std::string_view titel,
+                        std::string_view vorgabe) override;
 
+    /// The texts the next input boxes return, in order.
+    void Eingaben(std::deque<std::string> texte) { m_eingaben = std::move(texte); }
     void Antworten(std::deque<Antwort> antworten) { m_antworten = std::move(antworten); }
     /// Forgets what was recorded and takes new answers: one face for several steps of a test.
     void Neu(std::deque<Antwort> antworten = {}) {
@@ -57,6 +63,7 @@ public:
 
 private:
     std::deque<Antwort> m_antworten;
+    std::deque<std::string> m_eingaben;
     std::vector<Ereignis> m_ereignisse;
     std::vector<Stil> m_stile;
     long long m_fortschritt = -1;

@@ -128,4 +128,11 @@ std::string Zahlmuster(double wert, std::string_view muster) {
     return zahl;
 }
 
+std::string_view TrimmeLeerraum(std::string_view text) {
+    const auto anfang = text.find_first_not_of(" \t\r\n");
+    if (anfang == std::string_view::npos)
+        return {};
+    return text.substr(anfang, text.find_last_not_of(" \t\r\n") - anfang + 1);
+}
+
 } // namespace flurix

@@ -28,6 +28,9 @@ std::string Einzeilig(std::string_view text);
 /// Blanks trimmed at both ends (only blanks, as the settings files are read).
 std::string_view TrimmeLeerzeichen(std::string_view text);
 
+/// Blanks, tabs and line ends trimmed at both ends (texts of XML elements and answers).
+std::string_view TrimmeLeerraum(std::string_view text);
+
 /// The first `zeichen` characters (not bytes) of UTF-8 text; a letter is never split.
 std::string_view Utf8Anfang(std::string_view text, std::size_t zeichen);
 

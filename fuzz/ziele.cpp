@@ -12,6 +12,10 @@
 #include "core/text.hpp"
 #include "export/grafbat_leser.hpp"
 #include "import/datenladen.hpp"
+#include "map/antwort.hpp"
+#include "map/capabilities.hpp"
+#include "map/ebenen_korrektur.hpp"
+#include "map/layerauswahl.hpp"
 #include "import/textvorbereitung.hpp"
 #include "import/webxml.hpp"
 #include "import/wldge_komplett.hpp"
@@ -467,8 +471,35 @@ void FuzzGrafbat(Eingabe daten) {
     }
 }
 
+void FuzzCapabilities(Eingabe daten) {
+    SkriptOberfläche ui;
+    const auto inhalt = karte::WebServiceAnfrage(Text(daten), "fuzz", ui);
+    std::string auswahl;
+    for (std::size_t i = 0; i < inhalt.layerAnzahl; ++i)
+        auswahl += (Wahl(daten) & 1) || i % 2 == 0 ? "true," : "false,";
+    (void)karte::LayerListe(inhalt.layer, auswahl);
+    (void)karte::LayerEinträge(inhalt.layer, auswahl);
+    (void)karte::MaßstabUmrechnen(inhalt.maßstab);
+}
+
+void FuzzWmsAntwort(Eingabe daten) {
+    const Aufräumer aufräumer;
+    karte::EbenenAnfrage anfrage;
+    anfrage.dienst = "Fuzz";
+    anfrage.anfrage = "http://fuzz/wms?";
+    anfrage.datei = Ordner().Datei("#tmp_wms1_fuzz.png", Text(daten));
+    (void)karte::AntwortPrüfen(anfrage, {"25.11.2026", "10:00:00"});
+    // What survives the test is loaded as a picture, as the map does with it.
+    if (!anfrage.abbruch) {
+        karte::EbenenEinstellung einstellung;
+        einstellung.transparenterDienst = einstellung.weißErhalten = (Wahl(daten) & 1) != 0;
+        einstellung.schwarzInvers = (Wahl(daten) & 2) != 0;
+        (void)karte::EbeneLadenUndKorrigieren(anfrage.datei, QSize(64, 48), einstellung);
+    }
+}
+
 std::span<const FuzzZiel> FuzzZiele() {
-    static constexpr std::array<FuzzZiel, 16> ziele{{
+    static constexpr std::array<FuzzZiel, 18> ziele{{
         {"wldge_komplett", FuzzWldgeKomplett},
         {"wldge_schnell", FuzzWldgeSchnell},
         {"webxml", FuzzWebXml},
@@ -485,6 +516,8 @@ std::span<const FuzzZiel> FuzzZiele() {
         {"markierung", FuzzMarkierung},
         {"geometrie", FuzzGeometrie},
         {"grafbat", FuzzGrafbat},
+        {"capabilities", FuzzCapabilities},
+        {"wms_antwort", FuzzWmsAntwort},
     }};
     return ziele;
 }

@@ -75,6 +75,15 @@ void FuzzMarkierung(Eingabe daten);
 void FuzzGeometrie(Eingabe daten);
 /// A GEOgraf batch file, line by line.
 void FuzzGrafbat(Eingabe daten);
+/// A WMS capabilities answer through the map's reader (with its one repair of a broken line),
+/// then the layer list through LayerListe and the layer dialogue, the scale cell through the
+/// 96 dpi conversion. Choice: bit 0 all layers chosen instead of every second one.
+void FuzzCapabilities(Eingabe daten);
+/// A map service's answer in the cache file of a request: the answer test (client errors, the
+/// texts of failures, service exceptions), then, when it passes, the picture loaded and corrected
+/// as level 1 over 64 × 48 pixels. Choice: bit 0 a transparent service keeping white, bit 1 black
+/// inverted.
+void FuzzWmsAntwort(Eingabe daten);
 
 /// One entry under the name of its target (fuzz_<name>) and of its folder of inputs.
 struct FuzzZiel {

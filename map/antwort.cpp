@@ -16,13 +16,6 @@ std::string Titel(int ebene, std::string_view was) {
     return "Ebene: " + std::to_string(ebene) + ", " + std::string(was);
 }
 
-std::string Trimmen(std::string_view text) {
-    const auto anfang = text.find_first_not_of(" \t\r\n");
-    if (anfang == std::string_view::npos)
-        return {};
-    return std::string(text.substr(anfang, text.find_last_not_of(" \t\r\n") - anfang + 1));
-}
-
 std::string Groß(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
@@ -35,7 +28,7 @@ std::string AusnahmeText(const std::string& antwort) {
     pugi::xml_document dokument;
     if (dokument.load_buffer(antwort.data(), antwort.size(), pugi::parse_default, pugi::encoding_auto)) {
         if (const auto knoten = dokument.select_node("//*[local-name()='ServiceException']"))
-            return Trimmen(knoten.node().text().get());
+            return std::string(TrimmeLeerraum(knoten.node().text().get()));
     }
     auto anfang = antwort.find("<ServiceException ");
     if (anfang == std::string::npos)
@@ -44,7 +37,8 @@ std::string AusnahmeText(const std::string& antwort) {
     if (tagEnde == std::string::npos)
         return {};
     const auto ende = antwort.find("</ServiceException>", tagEnde);
-    return Trimmen(std::string_view(antwort).substr(tagEnde + 1, ende == std::string::npos ? ende : ende - tagEnde - 1));
+    return std::string(
+        TrimmeLeerraum(std::string_view(antwort).substr(tagEnde + 1, ende == std::string::npos ? ende : ende - tagEnde - 1)));
 }
 
 // The tests of the file's text, in their order; nothing when the answer is no known failure.

@@ -6,6 +6,10 @@
 #include <QPainter>
 #include <QString>
 
+#include <list>
+#include <mutex>
+#include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -62,6 +66,53 @@ QImage AufHintergrund(QImage bild, Farbe grund) {
     return bild;
 }
 
+// The last decoded files. A map is redrawn from the same cached answers again and again (panning
+// back, other corrections, another level switched on), and decoding a PNG of 2000 × 2000 costs
+// more than all corrections together. The key holds the file's size and time, and answers are
+// written under a temporary name and renamed, so a changed file is never taken for the old one.
+class Dekodierspeicher {
+public:
+    static Dekodierspeicher& Prozess() {
+        static Dekodierspeicher speicher;
+        return speicher;
+    }
+
+    std::optional<QImage> Holen(const std::string& schlüssel) {
+        std::lock_guard sperre(m_sperre);
+        for (auto it = m_einträge.begin(); it != m_einträge.end(); ++it) {
+            if (it->first == schlüssel) {
+                m_einträge.splice(m_einträge.begin(), m_einträge, it);
+                return it->second;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void Ablegen(std::string schlüssel, const QImage& bild) {
+        if (bild.sizeInBytes() > Grenze / 2)
+            return;
+        std::lock_guard sperre(m_sperre);
+        m_einträge.emplace_front(std::move(schlüssel), bild);
+        qsizetype summe = 0;
+        for (auto it = m_einträge.begin(); it != m_einträge.end();) {
+            summe += it->second.sizeInBytes();
+            it = summe > Grenze ? m_einträge.erase(it) : std::next(it);
+        }
+    }
+
+private:
+    static constexpr qsizetype Grenze = qsizetype(96) << 20;
+    std::mutex m_sperre;
+    std::list<std::pair<std::string, QImage>> m_einträge;
+};
+
+std::string Dateischlüssel(const std::filesystem::path& datei) {
+    std::error_code fehler;
+    const auto größe = std::filesystem::file_size(datei, fehler);
+    const auto zeit = std::filesystem::last_write_time(datei, fehler).time_since_epoch().count();
+    return datei.string() + "|" + std::to_string(größe) + "|" + std::to_string(zeit);
+}
+
 } // namespace
 
 BildErgebnis BildLaden(const std::filesystem::path& datei, QSize größe, bool mitHintergrund,
@@ -92,9 +143,15 @@ BildErgebnis BildLaden(const std::filesystem::path& datei, QSize größe, bool m
     QImage ziel(größe, QImage::Format_RGB32);
     if (ziel.isNull())
         return Fehlschlag("Graphikobjekt nicht verfügbar");
+    const std::string schlüssel = Dateischlüssel(datei);
     QImage inhalt;
-    if (!leser.read(&inhalt) || inhalt.isNull())
-        return Fehlschlag("Bild kann nicht gezeichnet werden");
+    if (auto bekannt = Dekodierspeicher::Prozess().Holen(schlüssel)) {
+        inhalt = std::move(*bekannt);
+    } else {
+        if (!leser.read(&inhalt) || inhalt.isNull())
+            return Fehlschlag("Bild kann nicht gezeichnet werden");
+        Dekodierspeicher::Prozess().Ablegen(schlüssel, inhalt);
+    }
 
     const Farbe grund = mitHintergrund ? hintergrund : FarbeFenster;
     if (inhalt.size() == größe) {

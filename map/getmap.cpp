@@ -21,6 +21,9 @@ std::string KnotenAusAnfrage(const std::string& getCapabilities) {
 }
 
 std::string TrennerFür(const std::string& url) {
+    // An address that ends in its separator already ("…/mapserv?map=x.map&") gets none more.
+    if (!url.empty() && (url.back() == '?' || url.back() == '&'))
+        return {};
     return url.find('?') == std::string::npos ? "?" : "&";
 }
 

@@ -51,7 +51,7 @@ struct EbenenAnfrage {
 /// "nodeid=<value up to the next &>&" when the capabilities query holds "nodeid=" (any case).
 std::string KnotenAusAnfrage(const std::string& getCapabilities);
 
-/// "&" when the URL already holds a query ("?"), else "?".
+/// "&" when the URL already holds a query ("?"), else "?"; nothing when it ends in "?" or "&".
 std::string TrennerFür(const std::string& url);
 
 /// The request of level `ebene` with the service `dienst`: every field above except the download's.

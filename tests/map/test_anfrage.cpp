@@ -55,6 +55,9 @@ TEST(GetMap, DieAnfrageStehtByteFürByte) {
     }
     const auto a = AnfrageBilden(1, "D", {"http://h/cgi?map=x", "", "l", "png", "", true}, Rahmen, "/tmp/t");
     EXPECT_EQ(CapabilitiesAnfrage(a), "http://h/cgi?map=x&REQUEST=GetCapabilities&VERSION=1.1.1&SERVICE=WMS");
+    for (const char* url : {"http://h/cgi?map=x&", "http://h/wms?"})
+        EXPECT_EQ(AnfrageBilden(1, "D", {url, "", "l", "png", "", true}, Rahmen, "/tmp/t").anfrage.substr(0, 40),
+                  (std::string(url) + "VERSION=1.1.1&REQUEST=GetMap").substr(0, 40));
 }
 
 TEST(GetMap, DerCachenameHältJedenParameter) {

@@ -95,8 +95,8 @@ TEST_F(Kartenabruf, EinBildEinDownloadDannDerCache) {
     EXPECT_EQ(erstes.downloads, 1);
     EXPECT_EQ(wms.KartenAnfragen(), 1);
     EXPECT_TRUE(Meldungen().empty());
-    EXPECT_EQ(erstes.ebenen[0].anfrage.substr(0, wms.Url().size() + 47),
-              wms.Url() + "VERSION=1.1.1&REQUEST=GetMap&SRS=EPSG:25833&BBOX=");
+    const std::string anfang = wms.Url() + "VERSION=1.1.1&REQUEST=GetMap&SRS=EPSG:25833&BBOX=";
+    EXPECT_EQ(erstes.ebenen[0].anfrage.substr(0, anfang.size()), anfang);
     EXPECT_FALSE(erstes.ebenen[1].Aktiv());
     EXPECT_EQ(erstes.status, "    Maßstab: 1:5000    Plotbox: ");
 
