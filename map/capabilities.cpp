@@ -319,6 +319,12 @@ std::string CapabilitiesAdresse(Dienstkatalog& katalog, std::size_t zeile) {
     if (url.size() >= 4 && std::string_view(url).substr(url.size() - 4) == ".map" &&
         anfrage.starts_with('?'))
         anfrage[0] = '&';
+    // An address that holds its query already ("…/mapserv?map=x.map&") goes on with "&", and
+    // one that ends in its separator gets none more: the map requests it the same way.
+    if (anfrage.starts_with('?') && url.find('?') != std::string::npos)
+        anfrage[0] = '&';
+    if (anfrage.starts_with('&') && (url.ends_with('?') || url.ends_with('&')))
+        anfrage.erase(0, 1);
     return url + anfrage;
 }
 

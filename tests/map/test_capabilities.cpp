@@ -162,6 +162,9 @@ TEST(Capabilities, AdresseNachVersionsUndMapRegel) {
         {"http://a/cgi-bin/mapserv?map=/srv/karte.map", "?REQUEST=GetCapabilities&version=1.1.1",
          "http://a/cgi-bin/mapserv?map=/srv/karte.map&REQUEST=GetCapabilities&version=1.1.1",
          "?REQUEST=GetCapabilities&version=1.1.1"},
+        {"http://a/cgi-bin/mapserv?map=/srv/karte.map&", "?REQUEST=GetCapabilities&version=1.1.1",
+         "http://a/cgi-bin/mapserv?map=/srv/karte.map&REQUEST=GetCapabilities&version=1.1.1",
+         "?REQUEST=GetCapabilities&version=1.1.1"},
     };
     for (const auto& f : fälle) {
         SCOPED_TRACE(std::string(f.url) + f.anfrage);
