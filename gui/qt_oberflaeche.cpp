@@ -5,7 +5,9 @@
 #include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QProgressBar>
@@ -187,6 +189,13 @@ Antwort QtOberfläche::Frage(const Fragestellung& frage) {
     box.setEscapeButton(box.button(KnopfVon(ohne)));
     Zeigen(box);
     return AntwortVon(box.standardButton(box.clickedButton()), ohne);
+}
+
+std::string QtOberfläche::Eingabe(std::string_view text, std::string_view titel, std::string_view vorgabe) {
+    bool ok = false;
+    const QString eingabe =
+        QInputDialog::getText(Eltern(), QText(titel), QText(text), QLineEdit::Normal, QText(vorgabe), &ok);
+    return ok ? eingabe.toStdString() : std::string();
 }
 
 void QtOberfläche::Status(int panel, std::string_view text) {

@@ -63,6 +63,8 @@ public:
     /// A message box with the information icon and an OK button that closes itself after
     /// `sekunden` (at once for 0 or less) unless it is closed before.
     void Hinweis(std::string_view text, std::string_view titel, int sekunden) override;
+    /// A QInputDialog with the text, the title and `vorgabe` filled in; "" when it is cancelled.
+    std::string Eingabe(std::string_view text, std::string_view titel, std::string_view vorgabe) override;
 
 private:
     /// The parent of message boxes: the main window while it is shown.
