@@ -3,11 +3,13 @@
 #include "cli/befehle.hpp"
 #include "cli/sitzung.hpp"
 #include "core/text.hpp"
-#include "core/zieldatei.hpp"
+#include "core/datei.hpp"
+#include "core/fehler.hpp"
 #include "map/dienstkatalog.hpp"
 #include "map/kartenabruf.hpp"
 #include "map/zugang.hpp"
 
+#include <QBuffer>
 #include <QGuiApplication>
 #include <QImageWriter>
 
@@ -46,20 +48,20 @@ std::optional<std::pair<int, int>> GrößeLesen(const std::string& text) {
     return std::pair{breite, höhe};
 }
 
-// The picture under a temporary name beside the target, renamed when complete.
+// The picture encoded in memory and written as every user file is (temporary name, renamed).
 bool BildSpeichern(const QImage& bild, const std::filesystem::path& ziel) {
-    const auto temporär = Zieldatei::Zwischenname(ziel);
-    QImageWriter schreiber(QString::fromStdString(temporär.string()));
-    schreiber.setFormat(QByteArray::fromStdString(Kleinbuchstaben(ziel.extension().string()).substr(1)));
-    std::error_code fehler;
-    if (!schreiber.write(bild)) {
-        std::filesystem::remove(temporär, fehler);
+    QByteArray inhalt;
+    QBuffer puffer(&inhalt);
+    puffer.open(QIODevice::WriteOnly);
+    QImageWriter schreiber(&puffer, QByteArray::fromStdString(Kleinbuchstaben(ziel.extension().string()).substr(1)));
+    if (!schreiber.write(bild))
+        return false;
+    try {
+        DateiSchreiben(ziel, std::string_view(inhalt.constData(), static_cast<std::size_t>(inhalt.size())));
+    } catch (const Fehler&) {
         return false;
     }
-    std::filesystem::rename(temporär, ziel, fehler);
-    if (fehler)
-        std::filesystem::remove(temporär, fehler);
-    return !fehler;
+    return true;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "map/http.hpp"
 
+#include "core/fehler.hpp"
 #include "core/zieldatei.hpp"
 
 #include <curl/curl.h>
@@ -53,8 +54,14 @@ size_t InTextSchreiben(char* daten, size_t größe, size_t anzahl, void* ziel) {
     return größe * anzahl;
 }
 
+// A write that fails returns 0, which ends the transfer with CURLE_WRITE_ERROR.
 size_t InDateiSchreiben(char* daten, size_t größe, size_t anzahl, void* ziel) {
-    return std::fwrite(daten, größe, anzahl, static_cast<std::FILE*>(ziel)) * größe;
+    try {
+        static_cast<Zieldatei*>(ziel)->Schreiben(std::string_view(daten, größe * anzahl));
+    } catch (const Fehler&) {
+        return 0;
+    }
+    return größe * anzahl;
 }
 
 // The options of one request on an easy handle; the body goes where `schreiben` puts it.
@@ -90,48 +97,34 @@ HttpErgebnis ErgebnisAus(CURL* c, CURLcode code, const char* fehlerpuffer) {
     return ergebnis;
 }
 
-// A download's file: written under its temporary name, renamed when complete, removed otherwise.
-class Dateiziel {
-public:
-    explicit Dateiziel(std::filesystem::path datei)
-        : m_datei(std::move(datei)), m_temporär(Zieldatei::Zwischenname(m_datei)),
-          m_f(std::fopen(m_temporär.c_str(), "wb")) {}
-    Dateiziel(const Dateiziel&) = delete;
-    Dateiziel& operator=(const Dateiziel&) = delete;
-    Dateiziel(Dateiziel&&) = delete;
-    Dateiziel& operator=(Dateiziel&&) = delete;
-    ~Dateiziel() { Abschließen(false); }
-
-    std::FILE* Strom() const { return m_f; }
-    HttpErgebnis NichtOffen() const {
-        HttpErgebnis ergebnis;
-        ergebnis.fehlerText = "WindowsErrorCode: 0x5 (Datei nicht beschreibbar): " + m_datei.string();
-        return ergebnis;
+// A download goes to the project's target file: a temporary name beside the file, renamed when
+// the body is complete, removed when the download fails or is cancelled.
+std::unique_ptr<Zieldatei> ZielÖffnen(const std::filesystem::path& datei) {
+    try {
+        return std::make_unique<Zieldatei>(datei);
+    } catch (const Fehler&) {
+        return nullptr;
     }
-    /// Closes; on success renames to the file (a failure to do so turns the result into one).
-    void Abschließen(bool erfolgreich, HttpErgebnis* ergebnis = nullptr) {
-        if (!m_f)
-            return;
-        const bool geschlossen = std::fclose(m_f) == 0;
-        m_f = nullptr;
-        std::error_code fehler;
-        if (erfolgreich && !geschlossen)
-            fehler = std::make_error_code(std::errc::io_error);
-        if (erfolgreich && !fehler)
-            std::filesystem::rename(m_temporär, m_datei, fehler);
-        if (erfolgreich && fehler && ergebnis) {
-            ergebnis->ok = false;
-            ergebnis->fehlerText = "WindowsErrorCode: 0x5 (" + fehler.message() + "): " + m_datei.string();
+}
+
+HttpErgebnis NichtBeschreibbar(const std::filesystem::path& datei, std::string_view grund) {
+    HttpErgebnis ergebnis;
+    ergebnis.fehlerText = "WindowsErrorCode: 0x5 (" + std::string(grund) + "): " + datei.string();
+    return ergebnis;
+}
+
+// Completes the target of a successful download (a failure to do so turns the result into one);
+// the target of a failed one is dropped with its temporary file.
+void ZielAbschließen(std::unique_ptr<Zieldatei>& ziel, HttpErgebnis& ergebnis) {
+    if (ergebnis.ok) {
+        try {
+            ziel->Abschließen();
+        } catch (const Fehler& f) {
+            ergebnis = NichtBeschreibbar(ziel->Ziel(), f.what());
         }
-        if (!erfolgreich || fehler)
-            std::filesystem::remove(m_temporär, fehler);
     }
-
-private:
-    std::filesystem::path m_datei;
-    std::filesystem::path m_temporär;
-    std::FILE* m_f;
-};
+    ziel.reset();
+}
 
 HttpErgebnis Anfrage(const std::string& url, const HttpOptionen& optionen,
                      curl_write_callback schreiben, void* ziel) {
@@ -151,11 +144,11 @@ HttpErgebnis Anfrage(const std::string& url, const HttpOptionen& optionen,
 
 HttpErgebnis HttpDateiLaden(const std::string& url, const std::filesystem::path& datei,
                             const HttpOptionen& optionen) {
-    Dateiziel ziel(datei);
-    if (!ziel.Strom())
-        return ziel.NichtOffen();
-    HttpErgebnis ergebnis = Anfrage(url, optionen, InDateiSchreiben, ziel.Strom());
-    ziel.Abschließen(ergebnis.ok, &ergebnis);
+    auto ziel = ZielÖffnen(datei);
+    if (!ziel)
+        return NichtBeschreibbar(datei, "Datei nicht beschreibbar");
+    HttpErgebnis ergebnis = Anfrage(url, optionen, InDateiSchreiben, ziel.get());
+    ZielAbschließen(ziel, ergebnis);
     return ergebnis;
 }
 
@@ -171,7 +164,7 @@ HttpErgebnis HttpAnfrageAlsText(const std::string& url, std::string& text,
 struct HttpMehrfach::Übertragung {
     int nummer = 0;
     CurlZeiger curl;
-    std::unique_ptr<Dateiziel> ziel;
+    std::unique_ptr<Zieldatei> ziel;
     char fehlerpuffer[CURL_ERROR_SIZE] = {};
 };
 
@@ -191,13 +184,13 @@ int HttpMehrfach::Hinzufügen(const std::string& url, const std::filesystem::pat
                              const HttpOptionen& optionen) {
     auto ü = std::make_unique<Übertragung>();
     ü->nummer = m_nächste++;
-    ü->ziel = std::make_unique<Dateiziel>(datei);
+    ü->ziel = ZielÖffnen(datei);
     ü->curl.reset(curl_easy_init());
-    if (!ü->ziel->Strom() || !ü->curl) {
-        m_fertig.emplace_back(ü->nummer, ü->ziel->NichtOffen());
+    if (!ü->ziel || !ü->curl) {
+        m_fertig.emplace_back(ü->nummer, NichtBeschreibbar(datei, "Datei nicht beschreibbar"));
         return ü->nummer;
     }
-    Einrichten(ü->curl.get(), url, optionen, InDateiSchreiben, ü->ziel->Strom(), ü->fehlerpuffer);
+    Einrichten(ü->curl.get(), url, optionen, InDateiSchreiben, ü->ziel.get(), ü->fehlerpuffer);
     curl_easy_setopt(ü->curl.get(), CURLOPT_PRIVATE, ü.get());
     curl_multi_add_handle(static_cast<CURLM*>(m_multi), ü->curl.get());
     m_übertragungen.push_back(std::move(ü));
@@ -210,7 +203,7 @@ void HttpMehrfach::Beenden(Übertragung& ü, int curlCode, bool abgebrochen) {
         ergebnis.ok = false;
         ergebnis.fehlerText = "abgebrochen";
     }
-    ü.ziel->Abschließen(ergebnis.ok, &ergebnis);
+    ZielAbschließen(ü.ziel, ergebnis);
     curl_multi_remove_handle(static_cast<CURLM*>(m_multi), ü.curl.get());
     m_fertig.emplace_back(ü.nummer, std::move(ergebnis));
     std::erase_if(m_übertragungen, [&](const auto& p) { return p.get() == &ü; });
